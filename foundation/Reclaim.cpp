@@ -1,0 +1,125 @@
+#include "foundation/Reclaim.h"
+
+#include <atomic>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace vardel {
+
+// One a thread that ever read; slots of ended threads are used again and never freed.
+struct alignas(64) ReaderSlot {
+    std::atomic<u64> pinnedEpoch{0};  // 0: not inside
+    std::atomic<bool> taken{true};
+    u32 depth = 0;  // of the owning thread alone
+    ReaderSlot* next = nullptr;
+};
+
+namespace {
+
+struct RetiredObject {
+    void* object;
+    FreeFunction release;
+    u64 epoch;
+};
+
+struct Registry {
+    std::atomic<u64> epoch{1};
+    std::atomic<ReaderSlot*> slots{nullptr};
+    std::mutex guard;
+    std::vector<RetiredObject> retired;
+};
+
+// Never destroyed: threads may still read while the process ends.
+Registry& TheRegistry() {
+    static Registry* registry = new Registry;
+    return *registry;
+}
+
+ReaderSlot* TakeSlot() {
+    Registry& registry = TheRegistry();
+    for (ReaderSlot* slot = registry.slots.load(); slot; slot = slot->next) {
+        bool free = false;
+        if (slot->taken.compare_exchange_strong(free, true)) return slot;
+    }
+    ReaderSlot* slot = new ReaderSlot;
+    slot->next = registry.slots.load();
+    while (!registry.slots.compare_exchange_weak(slot->next, slot)) {
+    }
+    return slot;
+}
+
+struct SlotOfThread {
+    ReaderSlot* slot = TakeSlot();
+    ~SlotOfThread() { slot->taken.store(false); }
+};
+
+ReaderSlot& MySlot() {
+    thread_local SlotOfThread mine;
+    return *mine.slot;
+}
+
+u64 OldestPinnedEpoch() {
+    u64 oldest = ~u64{0};
+    for (ReaderSlot* slot = TheRegistry().slots.load(); slot; slot = slot->next) {
+        const u64 epoch = slot->pinnedEpoch.load();
+        if (epoch != 0 && epoch < oldest) oldest = epoch;
+    }
+    return oldest;
+}
+
+// Takes what no pin can reach out of the list; the caller frees it without holding the guard.
+std::vector<RetiredObject> TakeFreeable(Registry& registry) {
+    std::vector<RetiredObject> freeable;
+    const u64 oldest = OldestPinnedEpoch();
+    auto keep = registry.retired.begin();
+    for (RetiredObject& entry : registry.retired) {
+        if (entry.epoch < oldest) freeable.push_back(entry);
+        else *keep++ = entry;
+    }
+    registry.retired.erase(keep, registry.retired.end());
+    return freeable;
+}
+
+void FreeAll(const std::vector<RetiredObject>& entries) {
+    for (const RetiredObject& entry : entries) entry.release(entry.object);
+}
+
+}  // namespace
+
+ReadPin::ReadPin() : slot_(MySlot()) {
+    if (slot_.depth++ == 0) slot_.pinnedEpoch.store(TheRegistry().epoch.load());
+}
+
+ReadPin::~ReadPin() {
+    if (--slot_.depth == 0) slot_.pinnedEpoch.store(0, std::memory_order_release);
+}
+
+void Retire(void* object, FreeFunction release) {
+    Registry& registry = TheRegistry();
+    std::vector<RetiredObject> freeable;
+    {
+        std::lock_guard hold(registry.guard);
+        // Pins taken from now on carry a greater number and can't have met the object.
+        registry.retired.push_back({object, release, registry.epoch.fetch_add(1)});
+        if (registry.retired.size() % 64 == 0 || registry.retired.size() < 8) freeable = TakeFreeable(registry);
+    }
+    FreeAll(freeable);
+}
+
+void FreeRetired() {
+    Registry& registry = TheRegistry();
+    std::vector<RetiredObject> freeable;
+    {
+        std::lock_guard hold(registry.guard);
+        freeable = TakeFreeable(registry);
+    }
+    FreeAll(freeable);
+}
+
+std::size_t RetiredCount() {
+    std::lock_guard hold(TheRegistry().guard);
+    return TheRegistry().retired.size();
+}
+
+}  // namespace vardel

@@ -1,0 +1,230 @@
+// SharedMap: hash map from text to record pointer, safe for any mix of threads.
+//
+// - Find takes no lock: one hash probe. An entry stays readable while the caller holds a ReadPin; the record that
+//   it points at lives as its owner says.
+// - Insert is unique: a key that is present keeps its value. A stored value may be null.
+// - ForEach meets every element that is present throughout exactly once, also while the table grows, and never a
+//   freed node; elements that come or go meanwhile may or may not be met. Order: insertion, but that is no promise.
+// - ReplaceWith puts a finished other content in place at once: no reader sees a half-filled table.
+//
+// Ownership: OwnsValues frees a value when its entry is erased or replaced (once no pinned reader can hold it) and
+// when the map ends. BorrowsValues never does.
+//
+// The hash is TcString::GetHashNum, multiplied by a secret of the process, so that nobody can aim keys at one
+// place of the table. Writers are serialised by a mutex.
+#pragma once
+
+#include <atomic>
+#include <bit>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+#include "foundation/ProcessSecret.h"
+#include "foundation/Reclaim.h"
+#include "foundation/TcString.h"
+
+namespace vardel {
+
+enum class Ownership { OwnsValues, BorrowsValues };
+
+// A key with its place already worked out, for several look-ups of one text.
+struct HashedKey {
+    explicit HashedKey(const TcString& text)
+        : key(text), mixed((static_cast<u64>(static_cast<u32>(text.GetHashNum())) + 1) * ProcessSecret()) {}
+    const TcString& key;
+    u64 mixed;
+};
+
+template <class V, Ownership ownership = Ownership::BorrowsValues>
+class SharedMap {
+  public:
+    class Entry {
+      public:
+        Entry(const TcString& text, u64 mixed, V* record) : key(text), mixed_(mixed), value_(record) {}
+        V* Value() const { return value_.load(std::memory_order_acquire); }
+        const TcString key;
+
+      private:
+        friend class SharedMap;
+        const u64 mixed_;
+        std::atomic<V*> value_;
+        std::atomic<Entry*> next_{nullptr};
+        Entry* previous_ = nullptr;  // of the writers alone
+    };
+
+    SharedMap() : body_(new Body) {}
+    ~SharedMap() { delete body_.load(); }
+    SharedMap(const SharedMap&) = delete;
+    SharedMap& operator=(const SharedMap&) = delete;
+
+    u32 Count() const {
+        ReadPin pin;
+        return body_.load()->count.load(std::memory_order_acquire);
+    }
+    bool IsEmpty() const { return Count() == 0; }
+
+    // Null when absent. The caller holds a ReadPin for as long as it uses the entry.
+    const Entry* Find(const HashedKey& key) const { return body_.load()->Find(key); }
+    const Entry* Find(const TcString& key) const { return Find(HashedKey(key)); }
+
+    // The record under the key, or null when absent or stored as null.
+    V* FindValue(const TcString& key) const {
+        ReadPin pin;
+        const Entry* entry = Find(key);
+        return entry ? entry->Value() : nullptr;
+    }
+
+    // False when the key is present; the value then stays with the caller.
+    bool Insert(const TcString& key, V* value) {
+        std::lock_guard hold(writers_);
+        return body_.load()->Insert(HashedKey(key), value);
+    }
+    bool Insert(const TcString& key, std::unique_ptr<V> value)
+        requires(ownership == Ownership::OwnsValues)
+    {
+        if (!Insert(key, value.get())) return false;
+        value.release();
+        return true;
+    }
+
+    // Takes the entry out. False when absent. A borrowed value comes back in `value`.
+    bool Erase(const TcString& key, V** value = nullptr) {
+        std::lock_guard hold(writers_);
+        Entry* entry = body_.load()->Erase(HashedKey(key));
+        if (!entry) return false;
+        if constexpr (ownership == Ownership::OwnsValues) RetireObject(entry->Value());
+        else if (value) *value = entry->Value();
+        RetireObject(entry);
+        return true;
+    }
+
+    // `visit(key, value)`; a visit that gives bool ends the walk with false.
+    template <class Visit>
+    void ForEach(Visit&& visit) const {
+        ReadPin pin;
+        for (const Entry* entry = body_.load()->first.load(); entry; entry = entry->next_.load()) {
+            if constexpr (std::is_same_v<decltype(visit(entry->key, entry->Value())), bool>) {
+                if (!visit(entry->key, entry->Value())) return;
+            } else {
+                visit(entry->key, entry->Value());
+            }
+        }
+    }
+
+    // Takes over the content of `fresh`, which no other thread knows, and leaves that empty.
+    void ReplaceWith(SharedMap& fresh) {
+        Body* content = fresh.body_.exchange(new Body);
+        std::lock_guard hold(writers_);
+        RetireObject(body_.exchange(content));
+    }
+    void Clear() {
+        SharedMap empty;
+        ReplaceWith(empty);
+    }
+
+  private:
+    // Slots hold an entry's address with 16 bits of its hash in the upper part (x86-64 user addresses have 47
+    // bits), so that a probe rarely touches the wrong entry.
+    struct Table {
+        explicit Table(u32 capacityLog2)
+            : shift(64 - capacityLog2), mask((1u << capacityLog2) - 1), slots(new std::atomic<u64>[mask + 1]) {
+            for (u32 i = 0; i <= mask; ++i) slots[i].store(0, std::memory_order_relaxed);
+        }
+        const u32 shift;
+        const u32 mask;
+        const std::unique_ptr<std::atomic<u64>[]> slots;
+    };
+
+    static constexpr u64 kErased = 1;
+    static constexpr u32 kStartLog2 = 4;
+    static u64 Tag(u64 mixed) { return (mixed << 17) & 0xffff000000000000ull; }
+    static u64 Pack(Entry* entry) { return Tag(entry->mixed_) | reinterpret_cast<std::uintptr_t>(entry); }
+    static Entry* Unpack(u64 slot) {
+        return reinterpret_cast<Entry*>(static_cast<std::uintptr_t>(slot & 0x0000ffffffffffffull));
+    }
+
+    struct Body {
+        Body() : table(new Table(kStartLog2)) {}
+        ~Body() {
+            for (Entry* entry = first.load(); entry;) {
+                Entry* next = entry->next_.load();
+                if constexpr (ownership == Ownership::OwnsValues) delete entry->Value();
+                delete entry;
+                entry = next;
+            }
+            delete table.load();
+        }
+
+        const Entry* Find(const HashedKey& wanted) const {
+            const Table* probe = table.load();
+            const u64 tag = Tag(wanted.mixed);
+            for (u32 at = static_cast<u32>(wanted.mixed >> probe->shift);; ++at) {
+                const u64 slot = probe->slots[at & probe->mask].load();
+                if (slot == 0) return nullptr;
+                if (slot == kErased || (slot & 0xffff000000000000ull) != tag) continue;
+                const Entry* entry = Unpack(slot);
+                if (entry->mixed_ == wanted.mixed && entry->key == wanted.key) return entry;
+            }
+        }
+
+        bool Insert(const HashedKey& wanted, V* value) {
+            if (Find(wanted)) return false;
+            Table* current = table.load();
+            // Half full, erased places included: make a fresh table, sized by what is really there.
+            if ((used + 1) * 2 > current->mask + 1) current = Rebuild();
+            Entry* entry = new Entry(wanted.key, wanted.mixed, value);
+            entry->previous_ = last;
+            Place(*current, entry);
+            ++used;
+            (last ? last->next_ : first).store(entry);
+            last = entry;
+            count.store(count.load() + 1);
+            return true;
+        }
+
+        Entry* Erase(const HashedKey& wanted) {
+            Entry* entry = const_cast<Entry*>(Find(wanted));
+            if (!entry) return nullptr;
+            Table* current = table.load();
+            u32 at = static_cast<u32>(wanted.mixed >> current->shift);
+            while (current->slots[at & current->mask].load() != Pack(entry)) ++at;
+            current->slots[at & current->mask].store(kErased);
+            Entry* next = entry->next_.load();
+            (entry->previous_ ? entry->previous_->next_ : first).store(next);
+            if (next) next->previous_ = entry->previous_;
+            else last = entry->previous_;
+            count.store(count.load() - 1);
+            return entry;  // its own next stays, for a walker that stands on it
+        }
+
+        static void Place(Table& target, Entry* entry) {
+            u32 at = static_cast<u32>(entry->mixed_ >> target.shift);
+            while (target.slots[at & target.mask].load(std::memory_order_relaxed) != 0) ++at;
+            target.slots[at & target.mask].store(Pack(entry));
+        }
+
+        Table* Rebuild() {
+            const u32 log2 = static_cast<u32>(std::bit_width(count.load() * 2 + 2)) + 1;
+            Table* fresh = new Table(log2 < kStartLog2 ? kStartLog2 : log2);
+            used = 0;
+            for (Entry* entry = first.load(); entry; entry = entry->next_.load()) {
+                Place(*fresh, entry);
+                ++used;
+            }
+            RetireObject(table.exchange(fresh));
+            return fresh;
+        }
+
+        std::atomic<Table*> table;
+        std::atomic<Entry*> first{nullptr};
+        Entry* last = nullptr;
+        std::atomic<u32> count{0};
+        u32 used = 0;  // slots that are not empty, erased ones included
+    };
+
+    std::atomic<Body*> body_;
+    std::mutex writers_;
+};
+
+}  // namespace vardel
