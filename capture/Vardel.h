@@ -1,0 +1,78 @@
+// Vardel: the application. Holds all state of one run, starts the threads, hands control to the frame until the
+// user exits, and ends everything in a fixed order.
+//
+// Built and run by the program entry on the main thread. Operations that belong to an upper folder are defined there.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <vector>
+
+#include "capture/ThreadParams.h"
+#include "capture/VardelARPImpl.h"
+#include "capture/VardelData.h"
+#include "capture/VardelFrame.h"
+#include "capture/VardelIPImpl.h"
+#include "foundation/TcWinMain.h"
+#include "platform/Services.h"
+
+namespace vardel {
+
+struct VendorRun;
+
+// One row of the thread table: handle and id, null and 0 when not running.
+struct RunningThread {
+    ThreadHandle handle = nullptr;
+    u32 id = 0;
+};
+
+class Vardel : public TcWinMain {
+  public:
+    Vardel(Services& systemServices, VardelFrame& userFrame);
+    ~Vardel() override;
+
+    u32 MainRun() override;
+
+    // Loads both capture modules and resolves the twelve entry points; true only when all are there.
+    bool InitializeWinPCAP();
+    // Builds `adapters`, the local host records, `localHostName`, `localMac`, `adapterIndex`. Gives the number of
+    // devices walked; 0 means no adapter.
+    u32 FindAdapters();
+    // The connection's display name of a device; untouched on no match.
+    void FindConnectionName(const char* deviceName, TcString& friendlyName);
+    // Error box with the text of `stringId`.
+    void ErrorBox(u32 stringId);
+
+    // Starts a vendor run; a run that hasn't ended is abandoned and publishes nothing.
+    bool ReadMACVendorFile();
+
+    bool StartEventLogWrite();
+    bool StopEventLogWrite();
+    bool IsEventWriterRunning() const;
+
+    Services& services;
+    VardelFrame& frame;
+    VardelData data;
+    VardelARPImpl arpImpl;
+    VardelIPImpl ipImpl;
+    RunningThread snifferThread;
+    RunningThread writeEventsThread;
+    RunningThread readVendorThread;
+    Shared<u8> captureLibraryReady = 0;
+    ModuleHandle captureModule = nullptr;
+    ModuleHandle packetModule = nullptr;
+    CaptureEntryPoints capture;
+    ThreadParams workerParams;      // capture, vendor table
+    ThreadParams shareParams;       // share access
+    ThreadParams eventWriterParams;
+    Shared<u32> eventsWritten = 0;  // how far the running log writer has got, in events of the map
+    std::shared_ptr<VendorRun> vendorRun;
+
+    // True unless a thread outlived the end of the run; nothing shared may be freed then.
+    bool ThreadsHaveEnded() const { return threadsHaveEnded_; }
+
+  private:
+    bool threadsHaveEnded_ = true;
+};
+
+}  // namespace vardel

@@ -1,0 +1,33 @@
+// Handler of ARP and RARP frames: how a host is learned, refreshed and found to be spoofed.
+//
+// Requests, replies, gratuitous announcements and RARP frames are alike: only the sender's two addresses are read.
+#pragma once
+
+#include "capture/VardelCaptureData.h"
+#include "capture/VardelData.h"
+
+namespace vardel {
+
+class VardelARPImpl : public VardelCaptureData {
+  public:
+    u32 PacketReceived(const pcap_pkthdr* header, const u8* frame, VardelData* data) override;
+
+    char timeText[20] = "";
+    char scratch[100] = "";
+    TcString ipText;
+    TcString macText;
+
+  private:
+    void TakeTime(i64 seconds);
+    void RefreshKnownHost(HostRecord& host, const HashedKey& key, i64 seconds, VardelData& data);
+    void AddNewHost(i64 seconds, VardelData& data);
+    void ApplyLists(HostRecord& host, const HashedKey& key, bool firstSight, VardelData& data);
+
+    i64 timeTextSecond_ = -1;  // the second that timeText tells
+};
+
+// The vendor step on one record: looks `mac` (the whole text) up in the vendor table, waiting for a rebuild to end.
+// Leaves string id 91 where the vendor stays unknown. Used by the ARP handler and the adapter discovery.
+void FillVendor(HostRecord& host, const TcString& mac, VardelData& data);
+
+}  // namespace vardel

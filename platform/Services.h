@@ -1,0 +1,35 @@
+// What the program asks of an operating system and what can fail or block, in one place.
+//
+// Given to the application object when it is built, and outlives it. Tests hand in answers of their own.
+#pragma once
+
+#include "platform/ArpCache.h"
+#include "platform/CaptureLibrary.h"
+#include "platform/Clock.h"
+#include "platform/Events.h"
+#include "platform/Folders.h"
+#include "platform/MachineConfig.h"
+#include "platform/Process.h"
+#include "platform/Resolver.h"
+#include "platform/StringResources.h"
+#include "platform/Threads.h"
+
+namespace vardel {
+
+struct Services {
+    Events& events;
+    Threads& threads;
+    Clock& clock;
+    Folders& folders;
+    Resolver& resolver;
+    StringResources& strings;
+    ArpCache& arpCache;
+    ProcessServices& process;
+    MachineConfig& machineConfig;
+    CaptureModules& captureModules;
+};
+
+// The running system's answers.
+Services& SystemServices();
+
+}  // namespace vardel

@@ -1,0 +1,184 @@
+// Scripted answers to everything the program asks of a system. A test changes what it needs and reads the record.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/Services.h"
+
+namespace vardel::test {
+
+class ScriptedClock : public Clock {
+  public:
+    i64 Now() override { return now; }
+    i64 now = 1'700'000'000;
+};
+
+class ScriptedFolders : public Folders {
+  public:
+    std::string LocalApplicationData() override { return localApplicationData; }
+    std::string ProgramPath() override { return programPath; }
+    char Separator() const override { return separator; }
+    std::string localApplicationData;
+    std::string programPath;
+    char separator = '/';
+};
+
+class ScriptedResolver : public Resolver {
+  public:
+    std::vector<std::string> CanonicalNames(const char* dottedAddress) override {
+        calls.push_back(std::string("canonical ") + dottedAddress);
+        return canonicalNames;
+    }
+    bool NameOfAddress(u32, u16 port, NameLookup kind, std::string& name) override {
+        const bool required = kind == NameLookup::NameRequired;
+        calls.push_back((required ? "required " : "short ") + std::to_string(port));
+        const auto& answer = required ? requiredName : shortName;
+        if (!answer.empty()) name = answer;
+        return !answer.empty();
+    }
+    bool HostByAddress(u32, std::string& name) override {
+        calls.push_back("host");
+        if (!hostByAddress.empty()) name = hostByAddress;
+        return !hostByAddress.empty();
+    }
+    // Empty means that the look-up fails.
+    std::vector<std::string> canonicalNames;
+    std::string requiredName, hostByAddress, shortName;
+    std::vector<std::string> calls;
+};
+
+class ScriptedStrings : public StringResources {
+  public:
+    int Load(ModuleHandle, u32 id, char* buffer, int size) override {
+        const auto found = texts.find(id);
+        const std::string text = found == texts.end() ? "" : found->second.substr(0, static_cast<std::size_t>(size - 1));
+        text.copy(buffer, text.size());
+        buffer[text.size()] = 0;
+        return static_cast<int>(text.size());
+    }
+    std::map<u32, std::string> texts = {
+        {32, "Vardelwatch - Error"},
+        {90, "Hostname not available"},
+        {91, "Unknown vendor"},
+        {116, "Unkown operating system"},
+        {137, "Vardelwatch started successfully"},
+        {138, "Vardelwatch exited"},
+        {139, "Capturing started"},
+        {140, "Capturing stopped"},
+        {141, "New host found"},
+        {145, "Capturing stopped - no interface"},
+        {146, "Syslog notification"},
+    };
+};
+
+class RecordingArpCache : public ArpCache {
+  public:
+    void Flush() override { ++flushes; }
+    int flushes = 0;
+};
+
+class ScriptedProcess : public ProcessServices {
+  public:
+    bool ClaimName(const char* name) override {
+        claimed.push_back(name);
+        return anotherRuns;
+    }
+    void DebugText(const char* text) override { debugTexts.push_back(text); }
+    bool EnterApartment() override { return ++apartments, true; }
+    void LeaveApartment() override { --apartments; }
+    void StartNetwork() override { ++networks; }
+    void StopNetwork() override { --networks; }
+    bool anotherRuns = false;
+    int apartments = 0;
+    int networks = 0;
+    std::vector<std::string> claimed, debugTexts;
+};
+
+// A tree of keys by path, separated by '\'; values by "path|name".
+class ScriptedMachineConfig : public MachineConfig {
+  public:
+    MachineKey Open(MachineKey parent, const char* path) override {
+        std::string full = parent ? Path(parent) + "\\" + path : path;
+        while (!full.empty() && full.back() == '\\') full.pop_back();
+        if (!keys.count(full)) return nullptr;
+        ++open;
+        handles_.push_back(full);
+        return reinterpret_cast<MachineKey>(handles_.size());
+    }
+    void Close(MachineKey key) override {
+        if (key) --open;
+    }
+    bool EnumerateSubkey(MachineKey key, u32 index, char* name, u32 size) override {
+        const std::string prefix = Path(key) + "\\";
+        for (const std::string& other : keys) {
+            if (other.rfind(prefix, 0) != 0 || other.find('\\', prefix.size()) != std::string::npos) continue;
+            if (index-- != 0) continue;
+            const std::string text = other.substr(prefix.size(), size - 1);
+            text.copy(name, text.size());
+            name[text.size()] = 0;
+            return true;
+        }
+        return false;
+    }
+    bool QueryText(MachineKey key, const char* name, char* buffer, u32 size) override {
+        const auto found = values.find(Path(key) + "|" + name);
+        if (found == values.end()) return false;
+        const std::string text = found->second.substr(0, size - 1);
+        text.copy(buffer, text.size());
+        buffer[text.size()] = 0;
+        return true;
+    }
+    std::set<std::string> keys;
+    std::map<std::string, std::string> values;
+    int open = 0;  // handles not closed yet
+
+  private:
+    const std::string& Path(MachineKey key) const { return handles_[reinterpret_cast<std::uintptr_t>(key) - 1]; }
+    std::vector<std::string> handles_;
+};
+
+// Modules by name, entry points by "module!name".
+class ScriptedCaptureModules : public CaptureModules {
+  public:
+    ModuleHandle Load(const char* name) override {
+        loads.push_back(name);
+        if (!modules.count(name)) return nullptr;
+        loaded_.push_back(name);
+        return reinterpret_cast<ModuleHandle>(loaded_.size());
+    }
+    void* Find(ModuleHandle module, const char* entryPoint) override {
+        lookups.push_back(entryPoint);
+        const auto found = entryPoints.find(loaded_[reinterpret_cast<std::uintptr_t>(module) - 1] + "!" + entryPoint);
+        return found == entryPoints.end() ? nullptr : found->second;
+    }
+    void Free(ModuleHandle module) override {
+        if (module) ++freed;
+    }
+    std::set<std::string> modules;
+    std::map<std::string, void*> entryPoints;
+    std::vector<std::string> loads, lookups;
+    int freed = 0;
+
+  private:
+    std::vector<std::string> loaded_;
+};
+
+// All of them, with the system's real events and threads.
+struct TestServices {
+    ScriptedClock clock;
+    ScriptedFolders folders;
+    ScriptedResolver resolver;
+    ScriptedStrings strings;
+    RecordingArpCache arpCache;
+    ScriptedProcess process;
+    ScriptedMachineConfig machineConfig;
+    ScriptedCaptureModules captureModules;
+    Services services{SystemEvents(), SystemThreads(), clock,         folders,
+                      resolver,       strings,         arpCache,      process,
+                      machineConfig,  captureModules};
+};
+
+}  // namespace vardel::test
