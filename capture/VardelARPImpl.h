@@ -13,14 +13,15 @@ class VardelARPImpl : public VardelCaptureData {
     u32 PacketReceived(const pcap_pkthdr* header, const u8* frame, VardelData* data) override;
 
     char timeText[20] = "";
-    char scratch[100] = "";
     TcString ipText;
     TcString macText;
 
   private:
     void TakeTime(i64 seconds);
+    bool RefreshIfKnown(const HashedKey& key, i64 seconds, VardelData& data);
     void RefreshKnownHost(HostRecord& host, const HashedKey& key, i64 seconds, VardelData& data);
-    void AddNewHost(i64 seconds, VardelData& data);
+    void AddNewHost(const HashedKey& key, i64 seconds, VardelData& data);
+    void QueueInspection(HostRecord& host, VardelData& data);
     void ApplyLists(HostRecord& host, const HashedKey& key, bool firstSight, VardelData& data);
 
     i64 timeTextSecond_ = -1;  // the second that timeText tells
