@@ -98,10 +98,11 @@ void VardelARPImpl::TakeTime(i64 seconds) {
 
 void VardelARPImpl::RefreshKnownHost(HostRecord& host, const HashedKey& key, i64 seconds, VardelData& data) {
     // The first MAC stays the reference for good: every frame from another one is an offence again.
-    if (!host.mac.IsEmpty() && host.mac != macText) {
+    const bool sameMac = host.mac == macText;
+    if (!sameMac && !host.mac.IsEmpty()) {
         data.fences.WaitToFeed(Fence::MacSpoofs);
         data.macSpoofs.Append(&host);
-    } else if (host.mac != macText || host.vendorUnknown) {
+    } else if (!sameMac || host.vendorUnknown) {
         host.mac = macText;
         FillVendor(host, macText, data);
     }

@@ -1,6 +1,5 @@
 #include "foundation/TcString.h"
 
-#include <bit>
 #include <cctype>
 #include <cstdlib>
 #include <memory>
@@ -8,8 +7,6 @@
 #include <thread>
 
 namespace vardel {
-
-static_assert(std::endian::native == std::endian::little, "words of text are compared and hashed as they lie");
 
 namespace {
 
@@ -74,48 +71,6 @@ class TcString::WriteHold {
     u32 next_ = 0;
 };
 
-u32 TcString::LoadSize() const { return Atomic(size_).load(std::memory_order_acquire); }
-
-// Zeroes what stands behind the text's end, so that whole words can be compared and hashed.
-void TcString::InlineCopy::MaskTail() {
-    constexpr u32 wordBytes = sizeof(Word);
-    for (u32 i = 0; i < static_cast<u32>(kWords); ++i) {
-        const u32 start = i * wordBytes;
-        if (size >= start + wordBytes) continue;
-        words[i] &= size <= start ? 0 : (~Word{0} >> (8 * (start + wordBytes - size)));
-    }
-}
-
-bool TcString::InlineCopy::Equals(const InlineCopy& other) const {
-    Word difference = size ^ other.size;
-    for (int i = 0; i < kWords; ++i) difference |= words[i] ^ other.words[i];
-    return difference == 0;
-}
-
-// A consistent copy of a text that lies inside the object, tail zeroed; false when it lies on the heap. Takes no
-// lock: the copy is repeated when the version moved. The loads are acquiring so that none can slip behind the
-// second look at the version; a writer's stores are releasing, so that none can be seen before the odd version.
-bool TcString::TryCopyInline(InlineCopy& copy) const {
-    for (int tries = 0;; ++tries) {
-        const u32 before = version_.load(std::memory_order_acquire);
-        if ((before & 1) == 0) {
-            const u32 size = LoadSize();
-            Word words[kWords];
-            const char* bytes = inline_;
-            for (int i = 0; i < kWords; ++i)
-                words[i] = Atomic(reinterpret_cast<const Word*>(bytes)[i]).load(std::memory_order_acquire);
-            if (version_.load(std::memory_order_relaxed) == before) {
-                if (size & kHeapFlag) return false;
-                std::memcpy(copy.words, words, sizeof words);
-                copy.size = size;
-                copy.MaskTail();
-                return true;
-            }
-        }
-        Pause(tries);
-    }
-}
-
 void TcString::PutInline(const InlineCopy& copy) {
     char* old = nullptr;
     {
@@ -161,11 +116,9 @@ void TcString::Assign(const char* text, std::size_t length) {
         PutHeap(text, static_cast<u32>(length));
         return;
     }
-    InlineCopy copy{};
+    InlineCopy copy;
     std::memcpy(copy.words, text, length);
     copy.size = static_cast<u32>(length);
-    InlineCopy mine;
-    if (TryCopyInline(mine) && mine.Equals(copy)) return;
     PutInline(copy);
 }
 
@@ -181,17 +134,11 @@ TcString::TcString(const char* text) {
 
 void TcString::FreeHeap() noexcept { delete[] Heap().data; }
 
-TcString& TcString::operator=(const TcString& other) {
-    if (this == &other) return *this;
+void TcString::AssignText(const TcString& other) {
+    if (this == &other) return;
     InlineCopy copy;
-    if (!other.TryCopyInline(copy)) {
-        AssignFromHeap(other);
-        return *this;
-    }
-    InlineCopy mine;
-    if (TryCopyInline(mine) && mine.Equals(copy)) return *this;
-    PutInline(copy);
-    return *this;
+    if (other.TryCopyInline(copy)) PutInline(copy);
+    else AssignFromHeap(other);
 }
 
 // The buffer for the copy is made before the other text is held; when that grew meanwhile, once more.
@@ -229,14 +176,11 @@ bool TcString::Clear() {
     return true;
 }
 
-bool TcString::operator==(const TcString& other) const {
-    InlineCopy mine, others;
-    if (TryCopyInline(mine)) {
-        if (other.TryCopyInline(others)) return mine.Equals(others);
-        return other.EqualsBytes(reinterpret_cast<const char*>(mine.words), mine.size);
-    }
-    const TcString copy(other);
-    return EqualsBytes(copy.Data(), static_cast<std::size_t>(copy.GetLength()));
+bool TcString::EqualsText(const TcString& other) const {
+    InlineCopy copy;
+    if (TryCopyInline(copy)) return other.EqualsBytes(reinterpret_cast<const char*>(copy.words), copy.size);
+    const TcString own(*this);
+    return other.EqualsBytes(own.Data(), static_cast<std::size_t>(own.GetLength()));
 }
 
 bool TcString::operator==(const char* text) const { return EqualsBytes(text, std::strlen(text)); }
@@ -266,6 +210,12 @@ int TcString::GetHashNum() const {
 }
 
 // ---- operations on a text that the calling thread owns ----
+
+// Keeps what lies behind the end of an inline text zero.
+void TcString::OwnLength(std::size_t length) {
+    if (!IsHeap()) std::memset(inline_ + length, 0, sizeof inline_ - length);
+    size_ = (size_ & kHeapFlag) | static_cast<u32>(length);
+}
 
 bool TcString::Reserve(std::size_t capacity, bool keep) {
     const std::size_t room = IsHeap() ? Heap().capacity : kInlineCapacity;
@@ -447,8 +397,33 @@ char* TcString::SetNewPointer(int size) {
 }
 
 int TcString::SetStrLen() {
-    const std::size_t length = std::strlen(Data());
-    OwnLength(length);
+    if (IsHeap()) {
+        OwnLength(std::strlen(Data()));
+        return GetLength();
+    }
+    // By words: the first zero byte is found and all behind it zeroed without going through single bytes.
+    u64 words[3];
+    std::memcpy(words, inline_, sizeof words);
+    u32 length = 0;
+    bool ended = false;
+    for (u64& word : words) {
+        if (ended) {
+            word = 0;
+            continue;
+        }
+        const u64 zeros = (word - 0x0101010101010101ull) & ~word & 0x8080808080808080ull;
+        if (zeros == 0) {
+            length += 8;
+            continue;
+        }
+        const u32 bytes = static_cast<u32>(std::countr_zero(zeros)) / 8;
+        length += bytes;
+        word &= bytes == 0 ? 0 : ~u64{0} >> (64 - 8 * bytes);
+        ended = true;
+    }
+    if (!ended) words[2] &= ~u64{0} >> 8, length = kInlineCapacity;
+    std::memcpy(inline_, words, sizeof words);
+    size_ = length;
     return static_cast<int>(length);
 }
 

@@ -12,6 +12,7 @@
 #pragma once
 
 #include <atomic>
+#include <bit>
 #include <cstring>
 
 #include "platform/Types.h"
@@ -29,13 +30,16 @@ class TcString {
         if (IsHeap()) FreeHeap();
     }
 
-    TcString& operator=(const TcString& other);
+    TcString& operator=(const TcString& other) {
+        if (!SameInline(other)) AssignText(other);
+        return *this;
+    }
     TcString& operator=(const char* text);
     TcString& operator=(const unsigned char* text);
     TcString& operator+=(const char* text);
     TcString& operator+=(int number);
 
-    bool operator==(const TcString& other) const;
+    bool operator==(const TcString& other) const { return SameInline(other) || EqualsText(other); }
     bool operator==(const char* text) const;
     bool operator!=(const TcString& other) const { return !(*this == other); }
 
@@ -98,15 +102,12 @@ class TcString {
         u32 capacity;  // characters without the terminator
     };
     struct InlineCopy {
-        Word words[kWords];
-        u32 size;
-        bool Equals(const InlineCopy& other) const;
-        void MaskTail();
+        Word words[kWords] = {};
+        u32 size = 0;
     };
     class WriteHold;
 
     bool IsHeap() const { return (size_ & kHeapFlag) != 0; }
-    u32 LoadSize() const;
     HeapText Heap() const {
         HeapText heap;
         std::memcpy(&heap, inline_, sizeof heap);
@@ -114,24 +115,63 @@ class TcString {
     }
     char* Data() const { return IsHeap() ? Heap().data : const_cast<char*>(inline_); }
     void ResetInline() noexcept {
-        inline_[0] = 0;
+        std::memset(inline_, 0, sizeof inline_);
         size_ = 0;
     }
     void FreeHeap() noexcept;
+
+    static u32 Load(const u32& value) {
+        return std::atomic_ref<u32>(const_cast<u32&>(value)).load(std::memory_order_acquire);
+    }
+    Word LoadWord(int index) const {
+        Word* words = reinterpret_cast<Word*>(const_cast<char*>(inline_));
+        return std::atomic_ref<Word>(words[index]).load(std::memory_order_acquire);
+    }
+    u32 LoadSize() const { return Load(size_); }
+    bool SameInline(const TcString& other) const;
     bool TryCopyInline(InlineCopy& copy) const;
+    bool EqualsText(const TcString& other) const;
     bool EqualsBytes(const char* text, std::size_t length) const;
     void Assign(const char* text, std::size_t length);
+    void AssignText(const TcString& other);
     void AssignFromHeap(const TcString& other);
     void PutInline(const InlineCopy& copy);
     void PutHeap(const char* text, u32 length);
     bool Reserve(std::size_t capacity, bool keep);
-    void OwnLength(std::size_t length) { size_ = (size_ & kHeapFlag) | static_cast<u32>(length); }
+    void OwnLength(std::size_t length);
 
-    alignas(8) char inline_[24];           // the text, or a HeapText; only ever read as one of them by a byte copy
+    // The text, zero from its end on, so that whole words can be compared and hashed; or a HeapText.
+    alignas(8) char inline_[24];
     u32 size_;                             // length, and kHeapFlag where the text lies on the heap
     mutable std::atomic<u32> version_{0};  // odd while a writer or a heap reader is inside
 };
 
 static_assert(sizeof(TcString) == 32);
+static_assert(std::endian::native == std::endian::little, "words of text are compared and hashed as they lie");
+
+// True when both texts lie inside their objects and are equal. Takes no lock: a look that a writer disturbed gives
+// false, and the caller then goes the long way. The loads are acquiring so that none can slip behind the second
+// look at the versions; a writer's stores are releasing, so that none is seen before the odd version.
+inline bool TcString::SameInline(const TcString& other) const {
+    const u32 mine = version_.load(std::memory_order_acquire);
+    const u32 others = other.version_.load(std::memory_order_acquire);
+    const u32 size = LoadSize();
+    Word difference = size ^ other.LoadSize();
+    for (int i = 0; i < kWords; ++i) difference |= LoadWord(i) ^ other.LoadWord(i);
+    const u32 moved = (version_.load(std::memory_order_relaxed) ^ mine) |
+                      (other.version_.load(std::memory_order_relaxed) ^ others);
+    return difference == 0 && (size & kHeapFlag) == 0 && ((mine | others) & 1) == 0 && moved == 0;
+}
+
+// A consistent copy of a text that lies inside the object; false when it lies on the heap.
+inline bool TcString::TryCopyInline(InlineCopy& copy) const {
+    for (;;) {
+        const u32 before = version_.load(std::memory_order_acquire);
+        copy.size = LoadSize();
+        for (int i = 0; i < kWords; ++i) copy.words[i] = LoadWord(i);
+        if (version_.load(std::memory_order_relaxed) == before && (before & 1) == 0)
+            return (copy.size & kHeapFlag) == 0;
+    }
+}
 
 }  // namespace vardel
