@@ -1,5 +1,3 @@
-// Both texts are put together in registers, a word at a time: this runs for each captured ARP frame, and bytes that
-// are written singly and read back as words would stall it.
 #include "capture/AddressText.h"
 
 #include <array>
@@ -45,7 +43,7 @@ u64 HexWithColon(u8 octet) { return kHex[octet] | u64{':'} << 16; }
 
 }  // namespace
 
-void FormatIpAddress(const u8 (&octets)[4], TcString& text) {
+TcString::Words FormatIpAddress(const u8 (&octets)[4]) {
     u64 words[2] = {0, 0};
     u32 length = 0;
     for (u8 octet : octets) {
@@ -62,21 +60,17 @@ void FormatIpAddress(const u8 (&octets)[4], TcString& text) {
     // The last dot goes.
     const u32 dot = 8 * (length - 1);
     words[dot / 64] &= ~(u64{0xff} << (dot % 64));
-    std::memcpy(text.SetNewPointer(sizeof words - 1), words, sizeof words);
-    text.SetStrLen();
+    return {{words[0], words[1], 0}, length - 1};
 }
 
-void FormatMacAddress(const u8 (&octets)[6], TcString& text) {
+TcString::Words FormatMacAddress(const u8 (&octets)[6]) {
     const u64 third = HexWithColon(octets[2]);
     const u64 fourth = HexWithColon(octets[3]);
     const u64 fifth = HexWithColon(octets[4]);
-    const u64 words[3] = {
-        HexWithColon(octets[0]) | HexWithColon(octets[1]) << 24 | third << 48,
-        third >> 16 | fourth << 8 | fifth << 32 | static_cast<u64>(kHex[octets[5]]) << 56,
-        static_cast<u64>(kHex[octets[5]]) >> 8,
-    };
-    std::memcpy(text.SetNewPointer(sizeof words - 1), words, sizeof words);
-    text.SetStrLen();
+    const u64 last = kHex[octets[5]];
+    return {{HexWithColon(octets[0]) | HexWithColon(octets[1]) << 24 | third << 48,
+             third >> 16 | fourth << 8 | fifth << 32 | last << 56, last >> 8},
+            17};
 }
 
 }  // namespace vardel

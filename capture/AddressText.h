@@ -1,4 +1,7 @@
-// Text forms of a frame's addresses, written straight into a text that the calling thread owns.
+// Text forms of a frame's addresses, put together a word at a time.
+//
+// They are formed for each captured ARP frame; characters that are written singly and read back as words would
+// stall it.
 #pragma once
 
 #include "foundation/TcString.h"
@@ -6,9 +9,9 @@
 namespace vardel {
 
 // Dotted decimal, no leading zeros, from four octets in network order.
-void FormatIpAddress(const u8 (&octets)[4], TcString& text);
+TcString::Words FormatIpAddress(const u8 (&octets)[4]);
 
 // "xx:xx:xx:xx:xx:xx", lower case.
-void FormatMacAddress(const u8 (&octets)[6], TcString& text);
+TcString::Words FormatMacAddress(const u8 (&octets)[6]);
 
 }  // namespace vardel

@@ -66,10 +66,11 @@ u32 VardelARPImpl::PacketReceived(const pcap_pkthdr* header, const u8* frame, Va
 
     const i64 seconds = header->ts.tv_sec;
     TakeTime(seconds);
-    FormatMacAddress(mac, macText);
-    FormatIpAddress(ip, ipText);
+    macText.SetWords(FormatMacAddress(mac));
+    const TcString::Words address = FormatIpAddress(ip);
+    ipText.SetWords(address);
 
-    const HashedKey key(ipText);
+    const HashedKey key(ipText, address.HashNum());
     try {
         if (!RefreshIfKnown(key, seconds, *data)) AddNewHost(key, seconds, *data);
     } catch (const std::bad_alloc&) {
@@ -93,6 +94,7 @@ void VardelARPImpl::TakeTime(i64 seconds) {
     char text[kTimeOfDaySize];
     FormatTimeOfDay(seconds, text);
     std::strcpy(timeText, text);
+    timeOfDay_ = text;
     timeTextSecond_ = seconds;
 }
 
@@ -108,7 +110,7 @@ void VardelARPImpl::RefreshKnownHost(HostRecord& host, const HashedKey& key, i64
     }
 
     host.lastSeen = seconds;
-    host.lastSeenText = timeText;
+    host.lastSeenText = timeOfDay_;
     host.rowDirty = 1;
     host.greyedOut = 0;
     ApplyLists(host, key, false, data);
@@ -142,7 +144,7 @@ void VardelARPImpl::AddNewHost(const HashedKey& key, i64 seconds, VardelData& da
     HostRecord* host = data.Adopt(std::make_unique<HostRecord>());
     host->mac = macText;
     host->ip = ipText;
-    host->lastSeenText = timeText;
+    host->lastSeenText = timeOfDay_;
     host->lastSeen = seconds;
     // Frames wait while the resolver works: event and table agree from the start.
     ResolveHostName(*host, data);

@@ -24,6 +24,7 @@ class VardelARPImpl : public VardelCaptureData {
     void QueueInspection(HostRecord& host, VardelData& data);
     void ApplyLists(HostRecord& host, const HashedKey& key, bool firstSight, VardelData& data);
 
+    TcString timeOfDay_;       // timeText once more: assigning it to a text that tells it already costs nothing
     i64 timeTextSecond_ = -1;  // the second that timeText tells
 };
 

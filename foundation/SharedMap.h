@@ -30,8 +30,10 @@ enum class Ownership { OwnsValues, BorrowsValues };
 
 // A key with its place already worked out, for several look-ups of one text.
 struct HashedKey {
-    explicit HashedKey(const TcString& text)
-        : key(text), mixed((static_cast<u64>(static_cast<u32>(text.GetHashNum())) + 1) * ProcessSecret()) {}
+    explicit HashedKey(const TcString& text) : HashedKey(text, text.GetHashNum()) {}
+    // Where the text's hash number is known already.
+    HashedKey(const TcString& text, int hashNumber)
+        : key(text), mixed((static_cast<u64>(static_cast<u32>(hashNumber)) + 1) * ProcessSecret()) {}
     const TcString& key;
     u64 mixed;
 };

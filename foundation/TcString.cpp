@@ -25,26 +25,12 @@ u64 LoadLittleEndian(const char* bytes, std::size_t count) {
     return value;
 }
 
-u64 MixStep(u64 state, u64 word) {
-    state = (state ^ word) * 0x9fb21c651e98df25ull;
-    return state ^ (state >> 29);
-}
-
-int FinishHash(u64 state) {
-    state ^= state >> 33;
-    state *= 0xff51afd7ed558ccdull;
-    state ^= state >> 33;
-    return static_cast<int>(static_cast<u32>(state ^ (state >> 32)));
-}
-
-constexpr u64 kHashStart = 0x51ed270b9f2a6c35ull;
-
 int HashBytes(const char* bytes, std::size_t length) {
-    u64 state = kHashStart ^ length;
+    u64 state = detail::kHashStart ^ length;
     std::size_t at = 0;
-    for (; length - at >= 8; at += 8) state = MixStep(state, LoadLittleEndian(bytes + at, 8));
-    if (at < length) state = MixStep(state, LoadLittleEndian(bytes + at, length - at));
-    return FinishHash(state);
+    for (; length - at >= 8; at += 8) state = detail::HashStep(state, LoadLittleEndian(bytes + at, 8));
+    if (at < length) state = detail::HashStep(state, LoadLittleEndian(bytes + at, length - at));
+    return detail::FinishHash(state);
 }
 
 }  // namespace
@@ -202,11 +188,10 @@ int TcString::GetHashNum() const {
         const TcString own(*this);
         return HashBytes(own.Data(), static_cast<std::size_t>(own.GetLength()));
     }
-    u64 state = kHashStart ^ copy.size;
-    u64 words[3];
-    std::memcpy(words, copy.words, sizeof words);
-    for (u32 at = 0; at * 8 < copy.size; ++at) state = MixStep(state, words[at]);
-    return FinishHash(state);
+    Words words;
+    std::memcpy(words.words, copy.words, sizeof words.words);
+    words.length = copy.size;
+    return words.HashNum();
 }
 
 // ---- operations on a text that the calling thread owns ----

@@ -84,6 +84,19 @@ class TcString {
     // The same number for the same characters in every build and on every run; consecutive addresses spread.
     int GetHashNum() const;
 
+    // A short text that was put together in registers: its characters lowest first, zero behind the end.
+    struct Words {
+        u64 words[3];
+        u32 length;  // at most kInlineCapacity
+        int HashNum() const;
+    };
+    // Replaces a text that the calling thread owns.
+    void SetWords(const Words& text) {
+        if (IsHeap()) FreeHeap();
+        std::memcpy(inline_, text.words, sizeof inline_);
+        size_ = text.length;
+    }
+
     // Makes the buffer at least size + 1 bytes long; the length stays. Gives the size asked for.
     int ExpandBuffer(int size);
     // Makes room for `size` characters, drops the old content and hands the buffer out for direct writing;
@@ -148,6 +161,30 @@ class TcString {
 
 static_assert(sizeof(TcString) == 32);
 static_assert(std::endian::native == std::endian::little, "words of text are compared and hashed as they lie");
+
+namespace detail {
+
+constexpr u64 kHashStart = 0x51ed270b9f2a6c35ull;
+
+inline u64 HashStep(u64 state, u64 word) {
+    state = (state ^ word) * 0x9fb21c651e98df25ull;
+    return state ^ (state >> 29);
+}
+
+inline int FinishHash(u64 state) {
+    state ^= state >> 33;
+    state *= 0xff51afd7ed558ccdull;
+    state ^= state >> 33;
+    return static_cast<int>(static_cast<u32>(state ^ (state >> 32)));
+}
+
+}  // namespace detail
+
+inline int TcString::Words::HashNum() const {
+    u64 state = detail::kHashStart ^ length;
+    for (u32 at = 0; at * 8 < length; ++at) state = detail::HashStep(state, words[at]);
+    return detail::FinishHash(state);
+}
 
 // True when both texts lie inside their objects and are equal. Takes no lock: a look that a writer disturbed gives
 // false, and the caller then goes the long way. The loads are acquiring so that none can slip behind the second
