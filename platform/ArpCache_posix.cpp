@@ -1,0 +1,180 @@
+// The kernel's neighbour table of IPv4, listed and emptied over a routing netlink socket (rtnetlink(7)).
+// Permanent entries go too, as they do with "arp -d" on Windows; what needs no ARP (loopback, multicast) is
+// left.
+#include "platform/ArpCache.h"
+
+#include <linux/neighbour.h>
+#include <linux/netlink.h>
+#include <linux/rtnetlink.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <vector>
+
+#include "platform/Types.h"
+
+namespace vardel {
+
+namespace {
+
+constexpr std::size_t kReplySize = 64 * 1024;
+
+struct Neighbour {
+    int interfaceIndex;
+    u32 address;  // network byte order
+};
+
+class NetlinkSocket {
+  public:
+    NetlinkSocket() : descriptor_(socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE)) {
+        // The kernel answers at once; the limit is for a reply that got lost.
+        const timeval limit{1, 0};
+        if (descriptor_ >= 0) setsockopt(descriptor_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+    }
+    ~NetlinkSocket() {
+        if (descriptor_ >= 0) close(descriptor_);
+    }
+    NetlinkSocket(const NetlinkSocket&) = delete;
+    NetlinkSocket& operator=(const NetlinkSocket&) = delete;
+
+    bool IsOpen() const { return descriptor_ >= 0; }
+    bool Send(const void* message, std::size_t size) {
+        return send(descriptor_, message, size, 0) == static_cast<ssize_t>(size);
+    }
+    // The next datagram; empty on failure.
+    std::vector<char> Receive() {
+        std::vector<char> datagram(kReplySize);
+        ssize_t size;
+        do size = recv(descriptor_, datagram.data(), datagram.size(), 0);
+        while (size < 0 && errno == EINTR);
+        datagram.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
+        return datagram;
+    }
+
+  private:
+    int descriptor_;
+};
+
+// Calls `visit(header, payload)` for each message of a datagram, while it gives true. False when it gave
+// false.
+template <class Visit>
+bool ForEachMessage(const std::vector<char>& datagram, Visit visit) {
+    std::size_t at = 0;
+    while (datagram.size() - at >= sizeof(nlmsghdr)) {
+        nlmsghdr header;
+        std::memcpy(&header, datagram.data() + at, sizeof header);
+        if (header.nlmsg_len < sizeof header || header.nlmsg_len > datagram.size() - at) break;
+        const char* payload = datagram.data() + at + sizeof header;
+        if (!visit(header, payload, header.nlmsg_len - sizeof header)) return false;
+        const std::size_t step = NLMSG_ALIGN(header.nlmsg_len);
+        if (step > datagram.size() - at) break;
+        at += step;
+    }
+    return true;
+}
+
+// The address attribute of a neighbour message; false when it has none of 4 bytes.
+bool FindAddress(const char* attributes, std::size_t size, u32& address) {
+    while (size >= sizeof(rtattr)) {
+        rtattr attribute;
+        std::memcpy(&attribute, attributes, sizeof attribute);
+        if (attribute.rta_len < sizeof attribute || attribute.rta_len > size) return false;
+        if (attribute.rta_type == NDA_DST && attribute.rta_len == sizeof attribute + sizeof address) {
+            std::memcpy(&address, attributes + sizeof attribute, sizeof address);
+            return true;
+        }
+        const std::size_t step = RTA_ALIGN(attribute.rta_len);
+        if (step > size) return false;
+        attributes += step;
+        size -= step;
+    }
+    return false;
+}
+
+void CollectNeighbour(const char* payload, std::size_t size, std::vector<Neighbour>& neighbours) {
+    ndmsg message;
+    if (size < sizeof message) return;
+    std::memcpy(&message, payload, sizeof message);
+    if (message.ndm_family != AF_INET || (message.ndm_state & NUD_NOARP)) return;
+    u32 address;
+    const std::size_t attributes = NLMSG_ALIGN(sizeof message);
+    if (size < attributes || !FindAddress(payload + attributes, size - attributes, address)) return;
+    neighbours.push_back({message.ndm_ifindex, address});
+}
+
+std::vector<Neighbour> ListNeighbours(NetlinkSocket& netlink) {
+    struct {
+        nlmsghdr header;
+        ndmsg message;
+    } request{};
+    request.header.nlmsg_len = sizeof request;
+    request.header.nlmsg_type = RTM_GETNEIGH;
+    request.header.nlmsg_flags = NLM_F_REQUEST | NLM_F_DUMP;
+    request.message.ndm_family = AF_INET;
+    std::vector<Neighbour> neighbours;
+    if (!netlink.Send(&request, sizeof request)) return neighbours;
+    for (;;) {
+        const std::vector<char> datagram = netlink.Receive();
+        if (datagram.empty()) return neighbours;
+        const bool goesOn =
+            ForEachMessage(datagram, [&](const nlmsghdr& header, const char* payload, std::size_t size) {
+                if (header.nlmsg_type == RTM_NEWNEIGH) CollectNeighbour(payload, size, neighbours);
+                return header.nlmsg_type != NLMSG_DONE && header.nlmsg_type != NLMSG_ERROR;
+            });
+        if (!goesOn) return neighbours;
+    }
+}
+
+// The kernel's answer to one request: 0, or a negative error number.
+int Acknowledgement(NetlinkSocket& netlink) {
+    int result = -EIO;
+    ForEachMessage(netlink.Receive(), [&](const nlmsghdr& header, const char* payload, std::size_t size) {
+        if (header.nlmsg_type != NLMSG_ERROR || size < sizeof result) return true;
+        std::memcpy(&result, payload, sizeof result);  // nlmsgerr begins with the error
+        return false;
+    });
+    return result;
+}
+
+int DeleteNeighbour(NetlinkSocket& netlink, const Neighbour& neighbour) {
+    struct {
+        nlmsghdr header;
+        ndmsg message;
+        rtattr attribute;
+        u32 address;
+    } request{};
+    request.header.nlmsg_len = sizeof request;
+    request.header.nlmsg_type = RTM_DELNEIGH;
+    request.header.nlmsg_flags = NLM_F_REQUEST | NLM_F_ACK;
+    request.message.ndm_family = AF_INET;
+    request.message.ndm_ifindex = neighbour.interfaceIndex;
+    request.attribute.rta_type = NDA_DST;
+    request.attribute.rta_len = sizeof request.attribute + sizeof request.address;
+    request.address = neighbour.address;
+    return netlink.Send(&request, sizeof request) ? Acknowledgement(netlink) : -EIO;
+}
+
+class PosixArpCache : public ArpCache {
+  public:
+    void Flush() override {
+        NetlinkSocket netlink;
+        if (!netlink.IsOpen()) return;
+        for (const Neighbour& neighbour : ListNeighbours(netlink)) {
+            const int result = DeleteNeighbour(netlink, neighbour);
+            // Without the right none can be deleted; an entry that went by itself is no failure.
+            if (result == -EPERM || result == -EIO) return;
+        }
+    }
+};
+
+}  // namespace
+
+ArpCache& SystemArpCache() {
+    static PosixArpCache cache;
+    return cache;
+}
+
+}  // namespace vardel

@@ -1,0 +1,176 @@
+// Names of the resource ids, for the resource files, the engine and the tests. Macros, because the resource compiler
+// reads them too. A language module holds its texts under the same ids.
+#pragma once
+
+// Host view: column titles
+#define IDS_HOST_COLUMN_STATE 1
+#define IDS_HOST_COLUMN_IP 2
+#define IDS_HOST_COLUMN_MAC 3
+#define IDS_HOST_COLUMN_LAST_PACKET 4
+#define IDS_HOST_COLUMN_NAME 5
+#define IDS_HOST_COLUMN_VENDOR 6
+#define IDS_HOST_COLUMN_INFORMATION 7
+
+// Trusted and distrusted hosts page: column titles
+#define IDS_LISTED_COLUMN_IP 12
+#define IDS_LISTED_COLUMN_MAC 13
+#define IDS_LISTED_COLUMN_NAME 14
+#define IDS_LISTED_COLUMN_LAST_PACKET 15
+
+// Plugins page: column titles
+#define IDS_PLUGIN_COLUMN_STATE 22
+#define IDS_PLUGIN_COLUMN_NAME 23
+#define IDS_PLUGIN_COLUMN_DESCRIPTION 24
+#define IDS_PLUGIN_COLUMN_TYPE 25
+
+// Errors at start
+#define IDS_ERROR_TITLE 32
+#define IDS_NO_ADAPTER 33
+#define IDS_NO_APPLICATION_DATA 34
+
+// Settings dialog: the title of the page at index n is IDS_PAGE_FIRST + n
+#define IDS_PAGE_FIRST 35
+#define IDS_PAGE_GENERAL 35
+#define IDS_PAGE_INTERFACE 36
+#define IDS_PAGE_NOTIFICATION_1 37
+#define IDS_PAGE_NOTIFICATION_2 38
+#define IDS_PAGE_VIEW 39
+#define IDS_PAGE_REPORTS 40
+#define IDS_PAGE_ACCOUNTS 41
+#define IDS_PAGE_PLUGINS 42
+#define IDS_PAGE_APPLICATIONS 43
+#define IDS_PAGE_SYSLOG 44
+#define IDS_PAGE_EVENTLOG 45
+#define IDS_PAGE_HOSTS 46
+#define IDS_PAGE_TRUSTED_HOSTS 47
+#define IDS_PAGE_DISTRUSTED_HOSTS 48
+#define IDS_PAGE_WATCHED_HOSTS 49
+#define IDS_PAGE_HOST_APPLICATIONS 50
+#define IDS_PAGE_IMPORT_EXPORT 51
+
+// Applications page: column titles
+#define IDS_APPLICATION_COLUMN_NAME 65
+#define IDS_APPLICATION_COLUMN_EXECUTABLE 66
+#define IDS_APPLICATION_COLUMN_PARAMETER 67
+
+// Tray and alerts
+#define IDS_TRAY_TOOLTIP 75
+#define IDS_ALERT_NEW_HOSTS 76
+#define IDS_ALERT_MAC_SPOOFING 77
+#define IDS_ALERT_REMOTE_ACCESS 78
+#define IDS_ALERT_CONNECTED_ON 79
+#define IDS_ALERT_WITH_USER 80
+#define IDS_ALERT_NEW_SHARES 81
+
+// File dialogs
+#define IDS_FILTER_EXECUTABLE 85
+#define IDS_FILTER_SETTINGS 86
+
+// Texts that stand in a host's record or for one of its states
+#define IDS_NO_HOST_NAME 90
+#define IDS_UNKNOWN_VENDOR 91
+#define IDS_ACCESS_DENIED 92
+#define IDS_ACCESS_BLOCKED 93
+
+// Watched hosts page: column titles
+#define IDS_WATCHED_COLUMN_IP 94
+#define IDS_WATCHED_COLUMN_NAME 95
+#define IDS_WATCHED_COLUMN_STATUS 96
+#define IDS_WATCHED_COLUMN_METHOD 97
+
+// Reports, watched hosts, accounts; the system of a host that announces an unlisted one
+#define IDS_BROWSE_REPORT_FOLDER 104
+#define IDS_HOST_ALIVE 105
+#define IDS_HOST_NOT_REACHABLE 106
+#define IDS_ADMIN_ACCOUNT 115
+#define IDS_UNKNOWN_BROWSE_OS 116
+
+// Event log view: column titles
+#define IDS_EVENT_COLUMN_TYPE 117
+#define IDS_EVENT_COLUMN_TEXT 118
+#define IDS_EVENT_COLUMN_HOST 119
+#define IDS_EVENT_COLUMN_INFORMATION 120
+#define IDS_EVENT_COLUMN_TIME 121
+
+// Events: the text of kind k, from 1, is IDS_EVENT_BASE + k
+#define IDS_EVENT_BASE 136
+#define IDS_EVENT_PROGRAM_STARTED 137
+#define IDS_EVENT_PROGRAM_EXITED 138
+#define IDS_EVENT_CAPTURING_STARTED 139
+#define IDS_EVENT_CAPTURING_STOPPED 140
+#define IDS_EVENT_NEW_HOST 141
+#define IDS_EVENT_SHARE_ACCESSED 142
+#define IDS_EVENT_HOST_ONLINE 143
+#define IDS_EVENT_HOST_OFFLINE 144
+#define IDS_EVENT_NO_INTERFACE 145
+#define IDS_EVENT_SYSLOG 146
+#define IDS_EVENT_DEVICE_NAME 147
+#define IDS_EVENT_DEVICE_FOUND 148
+
+// Remote inspection without an account; capture library missing or incomplete
+#define IDS_NO_ADMIN_ACCOUNT 157
+#define IDS_NO_CAPTURE_LIBRARY 158
+
+// Syslog severities: the name of severity s, 0 to 7, is IDS_SEVERITY_FIRST + s
+#define IDS_SEVERITY_FIRST 159
+#define IDS_SEVERITY_EMERGENCY 159
+#define IDS_SEVERITY_ALERT 160
+#define IDS_SEVERITY_CRITICAL 161
+#define IDS_SEVERITY_ERROR 162
+#define IDS_SEVERITY_WARNING 163
+#define IDS_SEVERITY_NOTICE 164
+#define IDS_SEVERITY_INFORMATION 165
+#define IDS_SEVERITY_DEBUG 166
+#define IDS_SEVERITY_UNKNOWN 167
+
+// Syslog view: column titles
+#define IDS_SYSLOG_COLUMN_NUMBER 169
+#define IDS_SYSLOG_COLUMN_HOST 170
+#define IDS_SYSLOG_COLUMN_LEVEL 171
+#define IDS_SYSLOG_COLUMN_FACILITY 172
+#define IDS_SYSLOG_COLUMN_TIME 173
+#define IDS_SYSLOG_COLUMN_MESSAGE 174
+
+// Syslog facilities: the name of facility f, 0 to 23, is IDS_FACILITY_FIRST + f
+#define IDS_FACILITY_FIRST 189
+#define IDS_FACILITY_KERNEL 189
+#define IDS_FACILITY_USER 190
+#define IDS_FACILITY_MAIL 191
+#define IDS_FACILITY_DAEMON 192
+#define IDS_FACILITY_AUTHORIZATION 193
+#define IDS_FACILITY_SYSLOG 194
+#define IDS_FACILITY_PRINTER 195
+#define IDS_FACILITY_NEWS 196
+#define IDS_FACILITY_UUCP 197
+#define IDS_FACILITY_CRON 198
+#define IDS_FACILITY_AUTHORIZATION_2 199
+#define IDS_FACILITY_FTP 200
+#define IDS_FACILITY_NTP 201
+#define IDS_FACILITY_LOG_AUDIT 202
+#define IDS_FACILITY_LOG_ALERT 203
+#define IDS_FACILITY_CRON_2 204
+#define IDS_FACILITY_LOCAL0 205
+#define IDS_FACILITY_LOCAL1 206
+#define IDS_FACILITY_LOCAL2 207
+#define IDS_FACILITY_LOCAL3 208
+#define IDS_FACILITY_LOCAL4 209
+#define IDS_FACILITY_LOCAL5 210
+#define IDS_FACILITY_LOCAL6 211
+#define IDS_FACILITY_LOCAL7 212
+#define IDS_FACILITY_UNKNOWN 213
+
+// Syslog alert
+#define IDS_ALERT_SYSLOG 214
+
+// Names of this machine's system that are translated
+#define IDS_UNKNOWN_OS 215
+#define IDS_UNLICENSED_OS 216
+
+// Updates
+#define IDS_NO_UPDATES 217
+#define IDS_UPDATES_AVAILABLE 218
+
+// Host view: group titles
+#define IDS_GROUP_TRUSTED 500
+#define IDS_GROUP_DISTRUSTED 501
+#define IDS_GROUP_UNKNOWN 502
