@@ -1,10 +1,10 @@
-// Frames as a test speaks of them: every builder is a plain structure with named fields, and turns into the bytes
-// that a capture library would hand over.
+// Frames as a test speaks of them: every builder is a plain structure with named fields, and turns into the
+// bytes that a capture library would hand over.
 //
 //     lan.Says(ArpReply{.ip = "10.0.0.5", .mac = "00:11:22:33:44:55"});
 //
-// A frame starts with its Ethernet header and is padded with zeros to 60 bytes, the shortest that a wire carries,
-// unless a builder has `padded` and it is false.
+// A frame starts with its Ethernet header and is padded with zeros to 60 bytes, the shortest that a wire
+// carries, unless a builder has `padded` and it is false.
 #pragma once
 
 #include <cstdio>
@@ -32,7 +32,9 @@ class FrameWriter {
         return *this;
     }
     FrameWriter& Big16(u32 value) { return Byte(static_cast<u8>(value >> 8)).Byte(static_cast<u8>(value)); }
-    FrameWriter& Little16(u32 value) { return Byte(static_cast<u8>(value)).Byte(static_cast<u8>(value >> 8)); }
+    FrameWriter& Little16(u32 value) {
+        return Byte(static_cast<u8>(value)).Byte(static_cast<u8>(value >> 8));
+    }
     FrameWriter& Little32(u32 value) { return Little16(value & 0xffff).Little16(value >> 16); }
     FrameWriter& Zeros(std::size_t count) {
         frame_.insert(frame_.end(), count, u8{0});
@@ -49,8 +51,8 @@ class FrameWriter {
     }
     FrameWriter& Mac(const std::string& text) {
         unsigned octets[6] = {};
-        std::sscanf(text.c_str(), "%x:%x:%x:%x:%x:%x", &octets[0], &octets[1], &octets[2], &octets[3], &octets[4],
-                    &octets[5]);
+        std::sscanf(text.c_str(), "%x:%x:%x:%x:%x:%x", &octets[0], &octets[1], &octets[2], &octets[3],
+                    &octets[4], &octets[5]);
         for (unsigned octet : octets) Byte(static_cast<u8>(octet));
         return *this;
     }
@@ -150,7 +152,14 @@ struct TcpFrame {
 
     operator Frame() const {  // NOLINT
         FrameWriter out;
-        out.Big16(sourcePort).Big16(destinationPort).Zeros(8).Byte(0x50).Byte(0x10).Big16(8192).Zeros(4).Text(payload);
+        out.Big16(sourcePort)
+            .Big16(destinationPort)
+            .Zeros(8)
+            .Byte(0x50)
+            .Byte(0x10)
+            .Big16(8192)
+            .Zeros(4)
+            .Text(payload);
         const Frame body = out.Done(false);
         return IpFrame{.sourceIp = sourceIp, .protocol = 6, .body = std::string(body.begin(), body.end())};
     }
@@ -190,7 +199,14 @@ struct BrowseBlock {
         FrameWriter data;
         data.Text(transaction).Byte(0);
         data.Byte(operation).Byte(0).Little32(720000).Field(serverName, 16);
-        data.Byte(major).Byte(minor).Little32(serverType).Byte(15).Byte(1).Little16(0xaa55).Text(comment).Byte(0);
+        data.Byte(major)
+            .Byte(minor)
+            .Little32(serverType)
+            .Byte(15)
+            .Byte(1)
+            .Little16(0xaa55)
+            .Text(comment)
+            .Byte(0);
         const Frame tail = data.Done(false);
 
         FrameWriter out;
@@ -208,7 +224,8 @@ struct NetBiosDatagram {
     std::string sourceName = " FDEFFCFGEFFCCACACACACACACACACACA";  // encoded, as on the wire
     std::string destinationName = " FHEPFCELEHFCEPFFFACACACACACACABN";
     std::string block = "";
-    std::optional<u16> datagramLength = std::nullopt;  // both names and the block; the true one when not given
+    std::optional<u16> datagramLength =
+        std::nullopt;  // both names and the block; the true one when not given
     u16 sourcePort = 138;
     u16 destinationPort = 138;
     bool padded = true;
