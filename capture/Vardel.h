@@ -67,6 +67,8 @@ class Vardel : public TcWinMain {
     ThreadParams eventWriterParams;
     Shared<u32> eventsWritten = 0;  // how far the running log writer has got, in events of the map
     std::shared_ptr<VendorRun> vendorRun;
+    // Workers that were given up while they still ran. Nothing shared may be freed before they have ended.
+    std::vector<ThreadHandle> abandonedThreads;
 
     // True unless a thread outlived the end of the run; nothing shared may be freed then.
     bool ThreadsHaveEnded() const { return threadsHaveEnded_; }

@@ -1,6 +1,7 @@
 // Scripted answers to everything the program asks of a system. A test changes what it needs and reads the record.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -18,12 +19,16 @@ class ScriptedClock : public Clock {
 
 class ScriptedFolders : public Folders {
   public:
-    std::string LocalApplicationData() override { return localApplicationData; }
+    std::string LocalApplicationData() override {
+        if (onLookUp) onLookUp();
+        return localApplicationData;
+    }
     std::string ProgramPath() override { return programPath; }
     char Separator() const override { return separator; }
     std::string localApplicationData;
     std::string programPath;
     char separator = '/';
+    std::function<void()> onLookUp;  // where a test wants to hold the thread that asks
 };
 
 class ScriptedResolver : public Resolver {
@@ -53,6 +58,7 @@ class ScriptedResolver : public Resolver {
 class ScriptedStrings : public StringResources {
   public:
     int Load(ModuleHandle, u32 id, char* buffer, int size) override {
+        if (onLoad) onLoad(id);
         const auto found = texts.find(id);
         const std::string text = found == texts.end() ? "" : found->second.substr(0, static_cast<std::size_t>(size - 1));
         text.copy(buffer, text.size());
@@ -72,6 +78,7 @@ class ScriptedStrings : public StringResources {
         {145, "Capturing stopped - no interface"},
         {146, "Syslog notification"},
     };
+    std::function<void(u32 id)> onLoad;  // where a test wants to hold the thread that asks
 };
 
 class RecordingArpCache : public ArpCache {
