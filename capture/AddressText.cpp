@@ -9,7 +9,9 @@ namespace {
 // An octet in decimal with a dot behind it, first character lowest.
 struct DecimalOctet {
     u32 characters;
-    u32 length;
+    u32 length;  // 2 to 4
+
+    u32 Bits() const { return 8 * length; }
 };
 
 constexpr std::array<DecimalOctet, 256> MakeDecimalOctets() {
@@ -43,24 +45,18 @@ u64 HexWithColon(u8 octet) { return kHex[octet] | u64{':'} << 16; }
 
 }  // namespace
 
+// Without a branch: the lengths of addresses follow no pattern that a processor could foretell.
 TcString::Words FormatIpAddress(const u8 (&octets)[4]) {
-    u64 words[2] = {0, 0};
-    u32 length = 0;
-    for (u8 octet : octets) {
-        const DecimalOctet& decimal = kDecimal[octet];
-        const u32 bit = 8 * length;
-        if (bit < 64) {
-            words[0] |= static_cast<u64>(decimal.characters) << bit;
-            if (bit > 32) words[1] |= static_cast<u64>(decimal.characters) >> (64 - bit);
-        } else {
-            words[1] |= static_cast<u64>(decimal.characters) << (bit - 64);
-        }
-        length += decimal.length;
-    }
-    // The last dot goes.
-    const u32 dot = 8 * (length - 1);
-    words[dot / 64] &= ~(u64{0xff} << (dot % 64));
-    return {{words[0], words[1], 0}, length - 1};
+    const DecimalOctet a = kDecimal[octets[0]], b = kDecimal[octets[1]];
+    const DecimalOctet c = kDecimal[octets[2]], d = kDecimal[octets[3]];
+    // Two octets with their dots are 4 to 8 characters, so each half fits a word.
+    const u64 front = a.characters | static_cast<u64>(b.characters) << a.Bits();
+    const u64 lastDigits = d.characters & ~(u32{0xff} << (d.Bits() - 8));
+    const u64 back = c.characters | lastDigits << c.Bits();
+    const u32 frontBits = a.Bits() + b.Bits();
+    // Shifted in two steps, as a word can't be shifted by all its 64 bits at once.
+    return {{front | back << frontBits / 2 << frontBits / 2, back >> (64 - frontBits), 0},
+            a.length + b.length + c.length + d.length - 1};
 }
 
 TcString::Words FormatMacAddress(const u8 (&octets)[6]) {

@@ -25,6 +25,10 @@ class FrameView {
 
     // Fills `target` with `count` bytes from `offset` on; what lies behind the end is 0.
     void Copy(u32 offset, void* target, u32 count) const {
+        if (offset <= size_ && count <= size_ - offset) {
+            std::memcpy(target, bytes_ + offset, count);
+            return;
+        }
         const u32 there = offset < size_ ? (count < size_ - offset ? count : size_ - offset) : 0;
         if (there > 0) std::memcpy(target, bytes_ + offset, there);
         std::memset(static_cast<u8*>(target) + there, 0, count - there);

@@ -13,40 +13,44 @@ namespace vardel {
 enum class TrustState : u32 { Unknown = 0, Trusted = 1, Distrusted = 2 };
 enum class OsClass : u32 { Unknown = 0, Workstation = 1, Server = 2 };
 
-struct HostRecord {
+// What each further ARP frame of the host reads and writes comes first and fills two cache lines: with tens of
+// thousands of hosts the time of a frame is the number of lines that it touches.
+struct alignas(64) HostRecord {
     HostRecord() = default;
     HostRecord(const HostRecord&) = delete;
     HostRecord& operator=(const HostRecord&) = delete;
 
-    TcString ip;            // dotted decimal, no leading zeros
     TcString mac;           // "xx:xx:xx:xx:xx:xx", lower case; the first one seen
-    TcString vendor;        // or string id 91
     TcString lastSeenText;  // local time of the last ARP frame, "%H:%M:%S"
-    TcString hostName;      // or string id 90
     Shared<i64> lastSeen;   // seconds since 1970 of the last ARP frame
-    Shared<u8> greyedOut;
-    Shared<u8> vendorUnknown = 1;  // 1 until a vendor text came from the vendor table
     Shared<TrustState> trustState = TrustState::Unknown;
+    Shared<u8> vendorUnknown = 1;  // 1 until a vendor text came from the vendor table
+    Shared<u8> greyedOut;
     Shared<u8> rowDirty;
-    Shared<u8> wmiOsKnown;
-    Shared<i32> wmiStatus = 999;
-    TcString os;
     Shared<u8> shareScanBusy;
+    // How often the record waits in a work list; each belongs to its list (see SharedList).
+    u32 waitingSpoofs = 0;
+    u32 waitingNetRes = 0;
+    TcString hostName;  // or string id 90
+
+    TcString ip;      // dotted decimal, no leading zeros
+    TcString vendor;  // or string id 91
+    Shared<u8> wmiOsKnown;
     Shared<u8> shareScanRefused;
     Shared<u8> isLocal;
     Shared<u8> nameUnresolved;  // 1 while hostName holds no resolved name
     Shared<u8> osFromBrowse;
     Shared<u8> offline;
+    Shared<u8> upnpDone;
+    Shared<u8> deviceProbed;
+    Shared<i32> wmiStatus = 999;
     Shared<OsClass> osClass = OsClass::Unknown;
+    TcString os;
     TcString displayName;
     TcString friendlyName;
     TcString presentationUrl;
-    Shared<u8> upnpDone;
-    Shared<u8> deviceProbed;
-
-    // How often the record waits in a work list; each belongs to its list (see SharedList).
-    u32 waitingSpoofs = 0;
-    u32 waitingNetRes = 0;
 };
+
+static_assert(offsetof(HostRecord, hostName) + sizeof(TcString) <= 128);
 
 }  // namespace vardel

@@ -129,11 +129,12 @@ void VardelARPImpl::ApplyLists(HostRecord& host, const HashedKey& key, bool firs
         GuardedRecord<ListedHost>* listed = entry ? entry->Value() : nullptr;
         if (!listed) return;
         const TcString name(host.hostName);
-        const TcString mac(host.mac);
-        listed->Update([&](ListedHost& record) {
-            if (firstSight) FillListedHost(record, name, mac, timeText);
-            else RefreshListedHost(record, name, timeText);
-        });
+        if (firstSight) {
+            const TcString mac(host.mac);
+            listed->Update([&](ListedHost& record) { FillListedHost(record, name, mac, timeText); });
+        } else {
+            listed->Update([&](ListedHost& record) { RefreshListedHost(record, name, timeText); });
+        }
         host.trustState = state;
     };
     apply(data.settings.trustedHosts, TrustState::Trusted);

@@ -1,19 +1,12 @@
 #include "foundation/Reclaim.h"
 
-#include <atomic>
 #include <mutex>
 #include <utility>
 #include <vector>
 
 namespace vardel {
 
-// One a thread that ever read; slots of ended threads are used again and never freed.
-struct alignas(64) ReaderSlot {
-    std::atomic<u64> pinnedEpoch{0};  // 0: not inside
-    std::atomic<bool> taken{true};
-    u32 depth = 0;  // of the owning thread alone
-    ReaderSlot* next = nullptr;
-};
+using detail::ReaderSlot;
 
 namespace {
 
@@ -24,7 +17,6 @@ struct RetiredObject {
 };
 
 struct Registry {
-    std::atomic<u64> epoch{1};
     std::atomic<ReaderSlot*> slots{nullptr};
     std::mutex guard;
     std::vector<RetiredObject> retired;
@@ -49,15 +41,14 @@ ReaderSlot* TakeSlot() {
     return slot;
 }
 
-struct SlotOfThread {
-    ReaderSlot* slot = TakeSlot();
-    ~SlotOfThread() { slot->taken.store(false); }
+// Gives the slot back when its thread ends. A pin taken later than that, by what else the thread's end destroys, takes
+// a slot anew and keeps it.
+struct SlotHolder {
+    ~SlotHolder() {
+        ReaderSlot* slot = std::exchange(detail::slotOfThread, nullptr);
+        if (slot && slot->depth == 0) slot->taken.store(false);
+    }
 };
-
-ReaderSlot& MySlot() {
-    thread_local SlotOfThread mine;
-    return *mine.slot;
-}
 
 u64 OldestPinnedEpoch() {
     u64 oldest = ~u64{0};
@@ -87,12 +78,13 @@ void FreeAll(const std::vector<RetiredObject>& entries) {
 
 }  // namespace
 
-ReadPin::ReadPin() : slot_(MySlot()) {
-    if (slot_.depth++ == 0) slot_.pinnedEpoch.store(TheRegistry().epoch.load());
-}
+constinit std::atomic<u64> detail::reclaimEpoch{1};
+constinit thread_local ReaderSlot* detail::slotOfThread = nullptr;
 
-ReadPin::~ReadPin() {
-    if (--slot_.depth == 0) slot_.pinnedEpoch.store(0, std::memory_order_release);
+ReaderSlot* detail::TakeSlotForThread() {
+    thread_local SlotHolder holder;
+    static_cast<void>(holder);
+    return slotOfThread = TakeSlot();
 }
 
 void Retire(void* object, FreeFunction release) {
@@ -101,7 +93,7 @@ void Retire(void* object, FreeFunction release) {
     {
         std::lock_guard hold(registry.guard);
         // Pins taken from now on carry a greater number and can't have met the object.
-        registry.retired.push_back({object, release, registry.epoch.fetch_add(1)});
+        registry.retired.push_back({object, release, detail::reclaimEpoch.fetch_add(1)});
         if (registry.retired.size() % 64 == 0 || registry.retired.size() < 8) freeable = TakeFreeable(registry);
     }
     FreeAll(freeable);

@@ -7,19 +7,41 @@
 // Source of the scheme: K. Fraser, "Practical lock-freedom" (2004), section 5.2.3, epoch-based reclamation.
 #pragma once
 
+#include <atomic>
+
 #include "platform/Types.h"
 
 namespace vardel {
 
+namespace detail {
+
+// One a thread that ever read; slots of ended threads are used again and never freed.
+struct alignas(64) ReaderSlot {
+    std::atomic<u64> pinnedEpoch{0};  // 0: not inside
+    std::atomic<bool> taken{true};
+    u32 depth = 0;  // of the owning thread alone
+    ReaderSlot* next = nullptr;
+};
+
+extern constinit std::atomic<u64> reclaimEpoch;
+extern constinit thread_local ReaderSlot* slotOfThread;  // null until the thread's first pin
+ReaderSlot* TakeSlotForThread();
+
+}  // namespace detail
+
 class ReadPin {
   public:
-    ReadPin();
-    ~ReadPin();
+    ReadPin() : slot_(detail::slotOfThread ? *detail::slotOfThread : *detail::TakeSlotForThread()) {
+        if (slot_.depth++ == 0) slot_.pinnedEpoch.store(detail::reclaimEpoch.load());
+    }
+    ~ReadPin() {
+        if (--slot_.depth == 0) slot_.pinnedEpoch.store(0, std::memory_order_release);
+    }
     ReadPin(const ReadPin&) = delete;
     ReadPin& operator=(const ReadPin&) = delete;
 
   private:
-    struct ReaderSlot& slot_;
+    detail::ReaderSlot& slot_;
 };
 
 using FreeFunction = void (*)(void* object);

@@ -41,7 +41,7 @@ struct HashedKey {
 template <class V, Ownership ownership = Ownership::BorrowsValues>
 class SharedMap {
   public:
-    class Entry {
+    class alignas(64) Entry {  // one cache line
       public:
         Entry(const TcString& text, u64 mixed, V* record) : key(text), mixed_(mixed), value_(record) {}
         V* Value() const { return value_.load(std::memory_order_acquire); }
@@ -207,7 +207,8 @@ class SharedMap {
         }
 
         Table* Rebuild() {
-            const u32 log2 = static_cast<u32>(std::bit_width(count.load() * 2 + 2)) + 1;
+            // At most a third full, so that the next time is far.
+            const u32 log2 = static_cast<u32>(std::bit_width(count.load() * 3 + 2));
             Table* fresh = new Table(log2 < kStartLog2 ? kStartLog2 : log2);
             used = 0;
             for (Entry* entry = first.load(); entry; entry = entry->next_.load()) {
