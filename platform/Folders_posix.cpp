@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/Types.h"
+#include "platform/XdgFolders.h"
 
 namespace vardel {
 
@@ -35,14 +36,7 @@ std::string HomeFromUserDatabase() {
 
 class PosixFolders : public Folders {
   public:
-    std::string LocalApplicationData() override {
-        const std::string data = AbsoluteFromEnvironment("XDG_DATA_HOME");
-        if (!data.empty()) return data;
-        std::string home = AbsoluteFromEnvironment("HOME");
-        if (home.empty()) home = HomeFromUserDatabase();
-        if (home.empty()) return {};
-        return home == "/" ? "/.local/share" : home + "/.local/share";
-    }
+    std::string LocalApplicationData() override { return XdgFolder("XDG_DATA_HOME", ".local/share"); }
     std::string ProgramPath() override {
         constexpr std::size_t kLongestPath = 64 * 1024;
         for (std::string path(256, '\0'); path.size() <= kLongestPath; path.resize(path.size() * 2)) {
@@ -67,6 +61,15 @@ class PosixFolders : public Folders {
 };
 
 }  // namespace
+
+std::string XdgFolder(const char* variable, const char* belowHome) {
+    const std::string folder = AbsoluteFromEnvironment(variable);
+    if (!folder.empty()) return folder;
+    std::string home = AbsoluteFromEnvironment("HOME");
+    if (home.empty()) home = HomeFromUserDatabase();
+    if (home.empty()) return {};
+    return (home == "/" ? "" : home) + "/" + belowHome;
+}
 
 Folders& SystemFolders() {
     static PosixFolders folders;

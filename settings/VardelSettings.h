@@ -28,6 +28,10 @@ using ListedHostTable = SharedMap<GuardedRecord<ListedHost>, Ownership::OwnsValu
 using WatchedHostTable = SharedMap<GuardedRecord<WatchedHost>, Ownership::OwnsValues>;
 using PluginStateTable = SharedMap<GuardedRecord<PluginEntry>, Ownership::OwnsValues>;
 
+// The host view's columns in force: without WMI there is nothing for the last one. The mask is decimal, but its
+// units digit is also bit 0.
+i32 ColumnsWithWmi(i32 columns, bool useWmi);
+
 class VardelSettings {
   public:
     VardelSettings();

@@ -1,0 +1,12 @@
+// The user's folders of the XDG Base Directory Specification. Linux only.
+#pragma once
+
+#include <string>
+
+namespace vardel {
+
+// The folder that `variable` names where that is an absolute path, else `belowHome` in the home folder. Without a
+// trailing separator; empty when the user has no home.
+std::string XdgFolder(const char* variable, const char* belowHome);
+
+}  // namespace vardel
