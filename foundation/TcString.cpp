@@ -1,10 +1,11 @@
 #include "foundation/TcString.h"
 
-#include <cctype>
 #include <cstdlib>
 #include <memory>
 #include <string>
 #include <thread>
+
+#include "platform/CodePage.h"
 
 namespace vardel {
 
@@ -341,9 +342,7 @@ void TcString::Trim() {
 }
 
 bool TcString::ToLower() {
-    char* data = Data();
-    for (int i = 0; i < GetLength(); ++i)
-        data[i] = static_cast<char>(std::tolower(static_cast<unsigned char>(data[i])));
+    LowerInCodePage(Data(), static_cast<std::size_t>(GetLength()));
     return true;
 }
 

@@ -80,10 +80,15 @@ class PosixProcess : public ProcessServices {
         return false;
     }
 
-    // One write, so that lines of several threads stay whole.
+    // In one piece as far as the system takes it, so that lines of several threads stay whole.
     void DebugText(const char* text) override {
         const std::string line = std::string(text) + "\n";
-        [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data(), line.size());
+        for (std::size_t done = 0; done < line.size();) {
+            const ssize_t written = write(STDERR_FILENO, line.data() + done, line.size() - done);
+            if (written < 0 && errno == EINTR) continue;
+            if (written <= 0) return;
+            done += static_cast<std::size_t>(written);
+        }
     }
 
     bool EnterApartment() override { return false; }

@@ -1,0 +1,9 @@
+#include "platform/MessageLoop.h"
+
+namespace vardel {
+
+bool RunSystemMessageLoop() {
+    return false;
+}
+
+}  // namespace vardel

@@ -1,0 +1,27 @@
+#include <gtest/gtest.h>
+
+#include "foundation/TcTrace.h"
+#include "tests/unit/support/TemporaryFolder_posix.h"
+
+namespace vardel {
+namespace {
+
+TEST(TcTracePosix, WithoutAFileLinesGoToStandardError) {
+    testing::internal::CaptureStderr();
+    ASSERT_TRUE(TcTrace::SetupTracing(0, 1));
+    EXPECT_TRUE(TcTrace::Trace("Vardel", "MainRun", "Create app", "x.cpp", 1, "day", 0));
+    TcTrace::SetupTracing(0, 0);
+    const std::string text = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(text.ends_with(" Vardel::MainRun: Create app [x.cpp:1, day, 0]\n")) << text;
+}
+
+TEST(TcTracePosix, AFileThatCannotBeWrittenLeavesTracingOff) {
+    const test::TemporaryFolder folder;
+    const test::EnvironmentVariable data("XDG_DATA_HOME", "/dev/null/no-folder");
+    EXPECT_FALSE(TcTrace::SetupTracing(1, 1));
+    EXPECT_FALSE(TcTrace::IsOn());
+    EXPECT_FALSE(VARDEL_TRACE("Vardel", "MainRun", "Create app"));
+}
+
+}  // namespace
+}  // namespace vardel
