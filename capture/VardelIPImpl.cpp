@@ -1,8 +1,11 @@
 #include "capture/VardelIPImpl.h"
 
+#include <new>
+
 #include "capture/AddressText.h"
 #include "capture/NetBiosBrowse.h"
 #include "capture/SyslogReception.h"
+#include "foundation/TcTrace.h"
 
 namespace vardel {
 
@@ -22,6 +25,9 @@ constexpr u16 kSsdpPort = 1900;
 constexpr u16 kDevicePort = 22936;
 constexpr u16 kDeviceUdpLength = 8 + 320;  // header and announcement
 
+constexpr char kComponent[] = "VardelIPImpl";
+constexpr char kReceiving[] = "Receiving packet";
+
 enum class Route { NotUdp, NetBios, Syslog, Ssdp, Device, Unrelated };
 
 // The first test that fits decides.
@@ -36,6 +42,18 @@ Route RouteOf(const FrameView& frame) {
     return Route::Unrelated;
 }
 
+// The device's branches have no line of their own.
+void TraceRoute(Route route) {
+    if (route == Route::NotUdp) {
+        VARDEL_TRACE(kComponent, kReceiving, "must be an IP packet");
+        return;
+    }
+    VARDEL_TRACE(kComponent, kReceiving, "is an UDP packet");
+    if (route == Route::NetBios) VARDEL_TRACE(kComponent, kReceiving, "seems to be NetBIOS");
+    if (route == Route::Syslog) VARDEL_TRACE(kComponent, kReceiving, "seems to be SysLog");
+    if (route == Route::Unrelated) VARDEL_TRACE(kComponent, kReceiving, "no related UDP packet");
+}
+
 }  // namespace
 
 u32 VardelIPImpl::PacketReceived(const pcap_pkthdr* header, const u8* frame, VardelData* data) {
@@ -43,10 +61,15 @@ u32 VardelIPImpl::PacketReceived(const pcap_pkthdr* header, const u8* frame, Var
     ++packetCount;
     const FrameView view(frame, header->caplen);
     const Route route = RouteOf(view);
-    if (route == Route::NetBios)
-        BrowseReceived(view, *data);
-    else if (route == Route::Syslog)
-        SyslogReceived(view, *data);
+    try {
+        if (TcTrace::IsOn()) TraceRoute(route);
+        if (route == Route::NetBios)
+            BrowseReceived(view, *data);
+        else if (route == Route::Syslog)
+            SyslogReceived(view, *data);
+    } catch (const std::bad_alloc&) {
+        // What was not applied yet is dropped; the capture goes on with the next frame.
+    }
     return 0;
 }
 
@@ -60,15 +83,11 @@ void VardelIPImpl::BrowseReceived(const FrameView& frame, VardelData& data) {
     const std::optional<HostAnnouncement> announcement = ParseHostAnnouncement(frame);
     if (!announcement) return;
     FormSourceIp(frame);
-    HostRecord* host = data.arpMap.FindValue(sourceIp);
-    if (!host) return;
-    try {
-        ApplyHostAnnouncement(*announcement, *host, data);
-    } catch (const std::bad_alloc&) {
-        // What was not applied yet waits for the next announcement.
-    }
+    VARDEL_TRACE(kComponent, "Receiving packet - SMB from", sourceIp);
+    if (HostRecord* host = data.arpMap.FindValue(sourceIp)) ApplyHostAnnouncement(*announcement, *host, data);
 }
 
+// Whatever fails while the text is taken or kept ends in a trace and a dropped datagram.
 void VardelIPImpl::SyslogReceived(const FrameView& frame, VardelData& data) {
     if (!data.settings.Syslog) return;
     const std::optional<SyslogHeader> header = ParseSyslogHeader(frame);
@@ -79,11 +98,14 @@ void VardelIPImpl::SyslogReceived(const FrameView& frame, VardelData& data) {
         if (syslogText[0] == 0) return;
         try {
             FormSourceIp(frame);
+            VARDEL_TRACE(kComponent, "Receiving packet - SysLog from", sourceIp);
             StripTrailingLineFeeds(syslogText);
             StoreSyslogMessage(data, sourceIp, header->severity, header->facility, syslogText);
         } catch (...) {
+            VARDEL_TRACE(kComponent, kReceiving, "SysLog - error textlen");
         }
     } catch (...) {
+        VARDEL_TRACE(kComponent, kReceiving, "SysLog - error getting text");
     }
 }
 
