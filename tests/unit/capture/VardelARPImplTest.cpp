@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <ctime>
+#include <string>
 
 #include "tests/unit/support/Lan.h"
 
@@ -11,6 +11,12 @@ namespace vardel::test {
 namespace {
 
 using Texts = std::vector<std::string>;
+
+std::string LocalTimeOfDay(std::time_t moment) {
+    char text[20];
+    std::strftime(text, sizeof text, "%H:%M:%S", std::localtime(&moment));
+    return text;
+}
 
 class ArpHandler : public LanTest {};
 
@@ -34,12 +40,10 @@ TEST_F(ArpHandler, WritesAddressesWithoutLeadingZerosAndInLowerCase) {
 }
 
 TEST_F(ArpHandler, FillsANewHost) {
-    setenv("TZ", "UTC", 1);
-    tzset();
     SaysAt(1'700'000'000, ArpReply{.ip = "10.0.0.5", .mac = "00:11:22:33:44:55"});
     const HostRecord& host = Host("10.0.0.5");
     EXPECT_EQ(host.lastSeen, 1'700'000'000);
-    EXPECT_STREQ(host.lastSeenText.GetContent(), "22:13:20");
+    EXPECT_EQ(host.lastSeenText.GetContent(), LocalTimeOfDay(1'700'000'000));
     EXPECT_STREQ(host.vendor.GetContent(), "Unknown vendor");
     EXPECT_EQ(host.vendorUnknown, 1);
     EXPECT_STREQ(host.hostName.GetContent(), "Hostname not available");
@@ -146,10 +150,8 @@ TEST_F(ArpHandler, RefreshesAKnownHost) {
     SaysAt(100, ArpReply{.ip = "10.0.0.5"});
     Host("10.0.0.5").greyedOut = 1;
     SaysAt(7300, ArpReply{.ip = "10.0.0.5"});
-    setenv("TZ", "UTC", 1);
-    tzset();
     EXPECT_EQ(Host("10.0.0.5").lastSeen, 7300);
-    EXPECT_STREQ(Host("10.0.0.5").lastSeenText.GetContent(), "02:01:40");
+    EXPECT_EQ(Host("10.0.0.5").lastSeenText.GetContent(), LocalTimeOfDay(7300));
     EXPECT_EQ(Host("10.0.0.5").greyedOut, 0);
     EXPECT_EQ(Host("10.0.0.5").rowDirty, 1);
 }
