@@ -29,6 +29,7 @@ NO_ADAPTER = (
     "Vardelwatch - Error: Unable to find an network adapter. Make sure\n"
     "WinPcap is installed and started !\n"
 )
+ONE_INSTANCE = "Vardel - MainRun - only one instance can be started... EXIT !\n"
 # How long a second start may take to see that it is the second.
 AT_ONCE_SECONDS = 20
 NEIGHBOUR_IPS = ("10.77.0.98", "10.77.0.99")
@@ -97,13 +98,27 @@ class InterfaceTest(LinuxProgramCase):
         self.assertEqual(run.output, "")
         self.assertFalse(os.path.exists(run.log_path))
 
-    def test_a_second_instance_ends_at_once_and_says_nothing(self):
+    def test_without_the_right_to_capture_goes_on_trying_and_ends_well(self):
+        lan = self.make_lan()
+        run = self.make_run(lan).start(through=["setpriv", "--bounding-set=-net_raw"])
+        run.wait_for(watch_run.CAPTURING)
+        self.speak(lan, "10.77.0.61")
+        # Long enough for some attempts.
+        time.sleep(2.5)
+        self.assert_ended_well(run)
+        self.assertEqual(set(run.hosts()), {lan.watcher.ip, "127.0.0.1"})
+        self.assertEqual(
+            [event.event for event in run.log_events()],
+            [watch_run.STARTED, watch_run.CAPTURING, watch_run.EXITED],
+        )
+
+    def test_a_second_instance_tells_only_the_debug_output_and_ends_at_once(self):
         lan = self.make_lan()
         first = self.make_run(lan).start()
         first.wait_for(watch_run.CAPTURING)
         second = self.make_run(lan).start(output_prefix="second-")
-        second.wait_for_end(AT_ONCE_SECONDS)
-        self.assertEqual(second.output, "")
+        self.assertEqual(second.wait_for_end(AT_ONCE_SECONDS), 1)
+        self.assertEqual((second.output, second.errors), ("", ONE_INSTANCE))
         self.assertIsNone(first.exit_code)
         self.assert_ended_well(first)
         self.assertEqual(
