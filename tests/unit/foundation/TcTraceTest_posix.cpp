@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/TcTrace.h"
-#include "tests/unit/support/TemporaryFolder_posix.h"
+#include "tests/unit/support/EnvironmentVariable_posix.h"
 
 namespace vardel {
 namespace {
@@ -16,7 +16,6 @@ TEST(TcTracePosix, WithoutAFileLinesGoToStandardError) {
 }
 
 TEST(TcTracePosix, AFileThatCannotBeWrittenLeavesTracingOff) {
-    const test::TemporaryFolder folder;
     const test::EnvironmentVariable data("XDG_DATA_HOME", "/dev/null/no-folder");
     EXPECT_FALSE(TcTrace::SetupTracing(1, 1));
     EXPECT_FALSE(TcTrace::IsOn());

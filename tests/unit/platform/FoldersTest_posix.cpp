@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/Folders.h"
-#include "tests/unit/support/TemporaryFolder_posix.h"
+#include "tests/unit/support/EnvironmentVariable_posix.h"
 
 namespace vardel {
 namespace {

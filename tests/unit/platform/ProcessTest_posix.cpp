@@ -8,7 +8,8 @@
 #include <string>
 
 #include "platform/Process.h"
-#include "tests/unit/support/TemporaryFolder_posix.h"
+#include "tests/unit/support/EnvironmentVariable_posix.h"
+#include "tests/unit/support/TestFolder.h"
 
 namespace vardel {
 namespace {
@@ -53,7 +54,7 @@ class OtherProcess {
 class ProcessPosix : public testing::Test {
   protected:
     static bool Claim(const char* name) { return SystemProcess().ClaimName(name); }
-    test::TemporaryFolder runtime;
+    test::TestFolder runtime;
     test::EnvironmentVariable environment{"XDG_RUNTIME_DIR", runtime.Path().c_str()};
 };
 
@@ -92,17 +93,17 @@ TEST_F(ProcessPosix, NamesAreApart) {
 }
 
 TEST_F(ProcessPosix, APlantedLinkIsNotFollowedAndDoesNotBarTheStart) {
-    const std::string victim = runtime.File("victim");
-    ASSERT_EQ(symlink(victim.c_str(), runtime.File("Planted.lock").c_str()), 0);
+    const std::string victim = runtime.Path("victim");
+    ASSERT_EQ(symlink(victim.c_str(), runtime.Path("Planted.lock").c_str()), 0);
     EXPECT_FALSE(Claim("Planted"));
     struct stat status;
     EXPECT_NE(stat(victim.c_str(), &status), 0) << "the link's target was made";
 }
 
 TEST_F(ProcessPosix, AFileWithASecondNameIsNotUsed) {
-    const std::string victim = runtime.File("victim");
+    const std::string victim = runtime.Path("victim");
     close(open(victim.c_str(), O_CREAT | O_WRONLY, 0600));
-    ASSERT_EQ(link(victim.c_str(), runtime.File("Linked.lock").c_str()), 0);
+    ASSERT_EQ(link(victim.c_str(), runtime.Path("Linked.lock").c_str()), 0);
     OtherProcess other("Linked");
     EXPECT_TRUE(other.Claimed());
     EXPECT_FALSE(Claim("Linked"));
@@ -111,7 +112,7 @@ TEST_F(ProcessPosix, AFileWithASecondNameIsNotUsed) {
 TEST_F(ProcessPosix, ASeparatorInANameLeadsToNoOtherFolder) {
     EXPECT_FALSE(Claim("../escape"));
     struct stat status;
-    EXPECT_EQ(stat(runtime.File(".._escape.lock").c_str(), &status), 0);
+    EXPECT_EQ(stat(runtime.Path(".._escape.lock").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0600u);
 }
 
@@ -119,7 +120,7 @@ TEST_F(ProcessPosix, TheFileIsClosedOnStartingAProgram) {
     EXPECT_FALSE(Claim("Inherited"));
     // The lock must not live on in a started program, which knows nothing of it.
     struct stat lock;
-    ASSERT_EQ(stat(runtime.File("Inherited.lock").c_str(), &lock), 0);
+    ASSERT_EQ(stat(runtime.Path("Inherited.lock").c_str(), &lock), 0);
     bool seen = false;
     for (int descriptor = 3; descriptor < 256; ++descriptor) {
         struct stat status;
