@@ -6,7 +6,7 @@
 
 #include "tests/unit/support/Savefile.h"
 #include "tests/unit/support/SystemCapture.h"
-#include "tests/unit/support/TemporaryFolder_posix.h"
+#include "tests/unit/support/TestFolder.h"
 
 namespace vardel::test {
 
@@ -48,8 +48,8 @@ class SavefileDevice : public testing::Test {
     }
 
     const CaptureEntryPoints capture = SystemEntryPoints();
-    TemporaryFolder folder;
-    std::string path = folder.File("lan.pcap");
+    TestFolder folder;
+    std::string path = folder.Path("lan.pcap");
     pcap_handle* handle = nullptr;
     char errors[kPcapErrorBufferSize] = "";
     int host = 0;
@@ -146,7 +146,7 @@ TEST_F(SavefileDevice, StartsAnewAfterAnotherSourceWasOpened) {
 
 TEST_F(SavefileDevice, PlaysAnotherFileFromItsStart) {
     Save({{0, FrameOf(1)}});
-    const std::string other = folder.File("other.pcap");
+    const std::string other = folder.Path("other.pcap");
     WriteFile(other, SavefileBytes({{0, FrameOf(7)}}));
     ASSERT_TRUE(Open(30));
     EXPECT_EQ(Read(), 1);
