@@ -56,6 +56,8 @@ class EventMap {
     // In key order, without the guard; the caller holds a ReadPin.
     const Node* First() const { return events_.First(); }
     static const Node* Next(const Node* node) { return SharedOrderedMap<EventRecord, Ownership::OwnsValues>::Next(node); }
+    // The first event behind `key`, for a reader that comes back for what is new.
+    const Node* After(i32 key) const { return events_.After(key); }
     template <class Visit>
     void ForEach(Visit&& visit) const {
         events_.ForEach(visit);

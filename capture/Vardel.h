@@ -1,7 +1,8 @@
 // Vardel: the application. Holds all state of one run, starts the threads, hands control to the frame until the
 // user exits, and ends everything in a fixed order.
 //
-// Built and run by the program entry on the main thread. Operations that belong to an upper folder are defined there.
+// Built and run by the program entry on the main thread, which deletes it only when ThreadsHaveEnded says so.
+// Operations that belong to an upper folder are defined there.
 #pragma once
 
 #include <array>
@@ -18,6 +19,7 @@
 
 namespace vardel {
 
+class TcSystemInfo;
 struct VendorRun;
 
 // One row of the thread table: handle and id, null and 0 when not running.
@@ -59,6 +61,7 @@ class Vardel : public TcWinMain {
     RunningThread writeEventsThread;
     RunningThread readVendorThread;
     Shared<u8> captureLibraryReady = 0;
+    TcSystemInfo* systemInfo = nullptr;  // made in MainRun
     ModuleHandle captureModule = nullptr;
     ModuleHandle packetModule = nullptr;
     CaptureEntryPoints capture;
@@ -70,11 +73,39 @@ class Vardel : public TcWinMain {
     // Workers that were given up while they still ran. Nothing shared may be freed before they have ended.
     std::vector<ThreadHandle> abandonedThreads;
 
-    // True unless a thread outlived the end of the run; nothing shared may be freed then.
+    // True unless a thread outlived the end of the run. The process then ends as it stands: nothing shared may be
+    // freed, this object included.
     bool ThreadsHaveEnded() const { return threadsHaveEnded_; }
 
   private:
+    // The steps of the start, in their order (MainRun.cpp).
+    bool AnotherInstanceRuns();
+    void SetUpTracing();
+    void TakeSettings();
+    void TakeInstances();
+    void NoteUpdateCheck();
+    void CreateEventGuard();
+    void FillThreadParams();
+    void StartWorkers();
+    void RunFrame();
+    // The steps of the end.
+    void AwaitEventLog();
+    void RequestStops();
+    bool AwaitThreads();
+    void CloseHandles();
+    void CloseEventGuard();
+    void LeaveApartment();
+    void EndEarly(u32 stringId);
+
+    // Asks what an early end of the run left behind to stop, and waits for it.
+    void StopLeftThreads();
+
+    EventHandle eventGuard_ = nullptr;
+    bool apartmentEntered_ = false;
     bool threadsHaveEnded_ = true;
 };
+
+// True when the last update check lies seven days or more back. A moment in the future is not due.
+bool IsUpdateCheckDue(i64 now, i64 lastUpdate);
 
 }  // namespace vardel

@@ -87,7 +87,8 @@ def sources_left_out_of_the_build(names):
     found = []
     for name in sources(names, ".cpp"):
         folder, base = os.path.split(name)
-        words = {base, re.sub(r"_(win|posix)\.cpp$", "", base), re.sub(r"\.cpp$", "", base)}
+        words = {base, re.sub(r"_(win|posix)\.cpp$", "", base), re.sub(r"\.cpp$", "", base),
+                 re.sub(r"_(win|posix)\.cpp$", "_${VARDEL_OS}.cpp", base)}
         while True:
             lists = os.path.join(folder, "CMakeLists.txt")
             if lists in names or lists.lstrip("/") in names:

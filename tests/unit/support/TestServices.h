@@ -94,12 +94,16 @@ class ScriptedProcess : public ProcessServices {
         return anotherRuns;
     }
     void DebugText(const char* text) override { debugTexts.push_back(text); }
-    bool EnterApartment() override { return ++apartments, true; }
+    bool EnterApartment() override {
+        ++apartmentsEntered;
+        return ++apartments, true;
+    }
     void LeaveApartment() override { --apartments; }
     void StartNetwork() override { ++networks; }
     void StopNetwork() override { --networks; }
     bool anotherRuns = false;
-    int apartments = 0;
+    int apartments = 0;  // entered and not left yet
+    int apartmentsEntered = 0;
     int networks = 0;
     std::vector<std::string> claimed, debugTexts;
 };

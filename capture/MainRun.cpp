@@ -1,0 +1,202 @@
+// The run of the application from start to exit. The order of the steps is part of the design: what a step needs
+// was made before it, and no thread exists before everything that it reads stands.
+#include <chrono>
+#include <cstring>
+#include <thread>
+#include <vector>
+
+#include "capture/EventMap.h"
+#include "capture/Vardel.h"
+#include "foundation/TcSystemInfo.h"
+#include "foundation/TcTrace.h"
+#include "resources/ResourceIds.h"
+
+namespace vardel {
+
+namespace {
+
+constexpr char kInstanceName[] = "Vardelwatch";
+constexpr char kEventGuardName[] = "WriteEventMapHandle";
+constexpr i64 kUpdateCheckSeconds = 604800;  // seven days
+constexpr u32 kThreadEndTimeoutMs = 15000;
+constexpr std::chrono::milliseconds kEventLogTimeout{3000};
+constexpr std::chrono::milliseconds kEventLogLook{10};
+
+}  // namespace
+
+u32 Vardel::MainRun() {
+    if (AnotherInstanceRuns()) return 0;
+    apartmentEntered_ = services.process.EnterApartment();
+    PostEvent(EventKind::ProgramStarted);
+    SetUpTracing();
+    systemInfo = TcSystemInfo::CreateObject();
+    TakeSettings();
+    TakeInstances();
+    NoteUpdateCheck();
+    CreateEventGuard();
+    captureLibraryReady = InitializeWinPCAP();
+    if (!captureLibraryReady) {
+        EndEarly(IDS_NO_CAPTURE_LIBRARY);
+        return 0;
+    }
+    if (FindAdapters() == 0) {
+        EndEarly(IDS_NO_ADAPTER);
+        return 0;
+    }
+    if (!data.fences.CreateAll()) {
+        // Unlike the other two this end leaves the guard open: it stands until the process is gone.
+        ErrorBox(IDS_NO_APPLICATION_DATA);
+        LeaveApartment();
+        return 0;
+    }
+    if (capture.PacketGetVersion) data.packetLibraryVersion = capture.PacketGetVersion();
+    FillThreadParams();
+    StartWorkers();
+    ReadMACVendorFile();
+    if (data.settings.EventLogSave) StartEventLogWrite();
+    RunFrame();
+
+    PostEvent(EventKind::ProgramExited);
+    AwaitEventLog();
+    RequestStops();
+    threadsHaveEnded_ = AwaitThreads();
+    // A thread that still runs keeps all that it may touch; the process ends with it.
+    if (!threadsHaveEnded_) return 0;
+    CloseHandles();
+    data.fences.CloseAll();
+    CloseEventGuard();
+    LeaveApartment();
+    return 0;
+}
+
+bool Vardel::AnotherInstanceRuns() {
+    if (!CheckRunningInstance(kInstanceName)) return false;
+    services.process.DebugText("Vardel - MainRun - only one instance can be started... EXIT !");
+    return true;
+}
+
+// Plain searches anywhere in the line; "-file" alone turns nothing on.
+void Vardel::SetUpTracing() {
+    const char* commandLine = GetCmdLine();
+    if (!std::strstr(commandLine, "-debug")) return;
+    TcTrace::SetupTracing(std::strstr(commandLine, "-file") != nullptr, 1);
+}
+
+void Vardel::TakeSettings() {
+    if (!data.settings.ReadSettings()) return;
+    data.capturing = data.settings.AutoCapture;
+    data.interfaceName = data.settings.Interface;
+    if (data.settings.DeleteARPCache) services.arpCache.Flush();
+}
+
+void Vardel::TakeInstances() {
+    const ModuleHandle instance = GetInstance();
+    for (VardelCaptureData* handler : {static_cast<VardelCaptureData*>(&arpImpl),
+                                       static_cast<VardelCaptureData*>(&ipImpl)}) {
+        handler->resourceInstance = instance;
+        handler->programInstance = instance;
+    }
+    data.resourceInstance = instance;
+    data.programInstance = instance;
+    data.app = this;
+}
+
+// The moment is kept before the check and whatever its outcome, so that a failing one is tried again a week later.
+void Vardel::NoteUpdateCheck() {
+    if (!data.settings.UpdateCheck) return;
+    const i64 now = services.clock.Now();
+    if (!IsUpdateCheckDue(now, data.settings.LastUpdateTime)) return;
+    data.settings.LastUpdateTime = now;
+    data.settings.WriteLastUpdateTime();
+}
+
+void Vardel::CreateEventGuard() {
+    eventGuard_ = services.events.Create(kEventGuardName, true, true);
+    TheEventMap().SetGuard(&services.events, eventGuard_);
+}
+
+void Vardel::CloseEventGuard() {
+    TheEventMap().SetGuard(nullptr, nullptr);
+    services.events.Close(eventGuard_);
+    eventGuard_ = nullptr;
+}
+
+void Vardel::LeaveApartment() {
+    if (apartmentEntered_) services.process.LeaveApartment();
+    apartmentEntered_ = false;
+}
+
+void Vardel::EndEarly(u32 stringId) {
+    ErrorBox(stringId);
+    CloseEventGuard();
+    LeaveApartment();
+}
+
+void Vardel::FillThreadParams() {
+    for (ThreadParams* block : {&workerParams, &shareParams, &eventWriterParams}) {
+        block->arp = &arpImpl;
+        block->ip = &ipImpl;
+        block->data = &data;
+        block->app = this;
+        block->stop = 0;
+        block->stopRequested = services.events.Create(nullptr, true, false);
+    }
+}
+
+void Vardel::StartWorkers() {
+    services.threads.Start(&SnifferThread, &workerParams, snifferThread.handle, snifferThread.id);
+    VARDEL_TRACE_INT("Vardel", "MainRun", "Create SnifferThread - ID: ", snifferThread.id);
+}
+
+void Vardel::RunFrame() {
+    VARDEL_TRACE("Vardel", "MainRun", "Create app");
+    frame.CreateApp(data, *this);
+    VARDEL_TRACE("Vardel", "MainRun", "App goes home");
+}
+
+// So that the last event reaches the file. Only a live writer that nobody stopped is waited for; it is woken, since
+// it may just have begun its pause.
+void Vardel::AwaitEventLog() {
+    if (!IsEventWriterRunning() || eventWriterParams.stop) return;
+    services.events.Set(eventWriterParams.stopRequested);
+    const u32 posted = TheEventMap().Count();  // more may follow while frames come in; they aren't waited for
+    const auto deadline = std::chrono::steady_clock::now() + kEventLogTimeout;
+    while (eventsWritten < posted && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(kEventLogLook);
+}
+
+void Vardel::RequestStops() {
+    RequestStop(shareParams, services.events);
+    RequestStop(eventWriterParams, services.events);
+    RequestStop(workerParams, services.events);
+}
+
+bool Vardel::AwaitThreads() {
+    VARDEL_TRACE("Vardel", "MainRun", "Wait for exiting threads");
+    std::vector<ThreadHandle> handles{snifferThread.handle, readVendorThread.handle, writeEventsThread.handle};
+    handles.insert(handles.end(), abandonedThreads.begin(), abandonedThreads.end());
+    const bool ended = services.threads.WaitAll(handles, kThreadEndTimeoutMs);
+    VARDEL_TRACE("Vardel", "MainRun", "after WaitForMultipleObjects");
+    return ended;
+}
+
+void Vardel::CloseHandles() {
+    for (RunningThread* thread : {&snifferThread, &readVendorThread, &writeEventsThread}) {
+        services.threads.Close(thread->handle);
+        *thread = {};
+    }
+    for (const ThreadHandle abandoned : abandonedThreads) services.threads.Close(abandoned);
+    abandonedThreads.clear();
+    for (ThreadParams* block : {&workerParams, &shareParams, &eventWriterParams}) {
+        services.events.Close(block->stopRequested);
+        block->stopRequested = nullptr;
+    }
+}
+
+// Both moments may be anything that a settings store can hold; the difference wraps instead of overflowing.
+bool IsUpdateCheckDue(i64 now, i64 lastUpdate) {
+    const i64 delta = static_cast<i64>(static_cast<u64>(now) - static_cast<u64>(lastUpdate));
+    return delta >= kUpdateCheckSeconds;
+}
+
+}  // namespace vardel
