@@ -108,7 +108,7 @@ class LineReader {
         line.ended = end != std::string_view::npos;
         std::size_t length = line.ended ? end : rest_.size();
         const std::size_t whole = line.ended ? end + 1 : length;
-        if (line.ended && length > 0 && rest_[length - 1] == '\r') --length;
+        if (length > 0 && rest_[length - 1] == '\r') --length;
         line.text = rest_.substr(0, length);
         line.ending = rest_.substr(length, whole - length);
         rest_.remove_prefix(whole);

@@ -134,7 +134,7 @@ TEST_P(NumberValue, IsCopiedByAssignment) {
     EXPECT_EQ(GetParam().get(target), GetParam().toWrite);
 }
 
-const auto kNameOf = [](const auto& info) { return std::string(info.param.name); };
+const auto kNameOf = [](const auto& tested) { return std::string(tested.param.name); };
 INSTANTIATE_TEST_SUITE_P(Settings, NumberValue, ::testing::ValuesIn(kNumbers), kNameOf);
 
 TEST(SettingsValues, TheTableOfThisTestHasAllFortyTwoNumbers) { EXPECT_EQ(std::size(kNumbers), 42u); }
