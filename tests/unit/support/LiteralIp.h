@@ -1,0 +1,20 @@
+// The handler of IP frames, step by step.
+#pragma once
+
+#include "tests/unit/support/LiteralRecords.h"
+
+namespace vardel::test {
+
+class LiteralIp {
+  public:
+    void PacketReceived(const Bytes* frame, LiteralState* state);
+
+    u64 packetCount = 0;
+    u64 announcements = 0;  // that passed all checks
+
+  private:
+    void Browse(const Bytes& frame, LiteralState& state);
+    void Syslog(const Bytes& frame, LiteralState& state);
+};
+
+}  // namespace vardel::test
