@@ -461,9 +461,9 @@ TEST_F(MainRunTest, TheLogFileRunsFromTheFirstEventToTheLast) {
     frame.whileItRuns = [](VardelData&, Vardel&) { PostEvent(EventKind::NewHost, "desk", "10.0.0.5"); };
     Run();
     std::ifstream file(folder.Path("vdl-events.log"));
-    Lines events;
-    for (std::string line; std::getline(file, line);) events.push_back(line.substr(8));
-    EXPECT_EQ(events, (Lines{" | Vardelwatch started successfully |  |  | ", " | New host found | 10.0.0.5 | desk | ",
+    Lines lines;
+    for (std::string line; std::getline(file, line);) lines.push_back(line.substr(8));
+    EXPECT_EQ(lines, (Lines{" | Vardelwatch started successfully |  |  | ", " | New host found | 10.0.0.5 | desk | ",
                              " | Vardelwatch exited |  |  | "}));
 }
 

@@ -11,7 +11,7 @@
 
 #include "platform/RegistryText.h"
 #include "tests/unit/support/RegistryDump.h"
-#include "tests/unit/support/TemporaryFolder_posix.h"
+#include "tests/unit/support/EnvironmentVariable_posix.h"
 #include "tests/unit/support/TestFolder.h"
 
 namespace vardel {
