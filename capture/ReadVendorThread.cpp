@@ -4,11 +4,13 @@
 
 #include "capture/Vardel.h"
 #include "capture/VendorFile.h"
+#include "foundation/TcTrace.h"
 
 namespace vardel {
 
 namespace {
 
+constexpr char kComponent[] = "Vardel";
 constexpr u32 kUnknownVendorText = 91;
 constexpr int kVendorTextSize = 100;
 constexpr int kVendorPrefixLength = 8;  // three octets with their colons
@@ -125,14 +127,17 @@ void BackfillVendors(VendorRun& run) {
 
 void ReadVendorThread(void* raw) {
     VendorRun* run = static_cast<VendorRun*>(raw);
-    if (!run || !run->params) return;
+    if (!run || !run->params) {
+        VARDEL_TRACE(kComponent, "ReadVendorThread", "No params - Exit...");
+        return;
+    }
     const std::shared_ptr<VendorRun> keep = std::move(run->ownedByThread);
-    if (!run->params->data) return;
     try {
-        RunVendorWorker(*run);
+        if (run->params->data) RunVendorWorker(*run);
     } catch (const std::bad_alloc&) {
         LeaveFences(*run);
     }
+    if (!run->Abandoned()) VARDEL_TRACE(kComponent, "ReadVendorThread", "Exit...");
 }
 
 bool RestartVendorRun(RunningThread& thread, std::shared_ptr<VendorRun>& run, ThreadParams& params,
@@ -145,10 +150,13 @@ bool RestartVendorRun(RunningThread& thread, std::shared_ptr<VendorRun>& run, Th
         return false;
     }
     run->ownedByThread = run;
-    if (threads.Start(&ReadVendorThread, run.get(), thread.handle, thread.id)) return true;
-    run->ownedByThread.reset();
-    run.reset();
-    return false;
+    if (!threads.Start(&ReadVendorThread, run.get(), thread.handle, thread.id)) {
+        run->ownedByThread.reset();
+        run.reset();
+        return false;
+    }
+    VARDEL_TRACE_INT(kComponent, "ReadMACVendorFile", "Create ReadVendorThread - ID: ", thread.id);
+    return true;
 }
 
 }  // namespace vardel

@@ -2,13 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
+#include <set>
 #include <thread>
 
 #include "capture/Vardel.h"
 #include "tests/unit/support/Gate.h"
 #include "tests/unit/support/TestFolder.h"
 #include "tests/unit/support/TestServices.h"
+#include "tests/unit/support/TracedLines.h"
 
 namespace vardel {
 
@@ -367,6 +368,30 @@ TEST_F(VendorRuns, EndedWorkersAreNotKept) {
     ASSERT_TRUE(Restart());
     EXPECT_LE(abandoned.size(), 1u);
     EXPECT_NE(thread.id, 0u);
+}
+
+TEST_F(VendorRuns, TracesItsStartAndItsEnd) {
+    test::TracedLines traced;
+    ReadVendorThread(nullptr);
+    EXPECT_EQ(traced.Steps(), (std::vector<std::string>{"Vardel::ReadVendorThread: No params - Exit..."}));
+    ASSERT_TRUE(Restart());
+    const std::string start = "Vardel::ReadMACVendorFile: Create ReadVendorThread - ID: " + std::to_string(thread.id);
+    AwaitEnd();
+    const std::vector<std::string> steps = traced.Steps();
+    EXPECT_EQ(std::multiset<std::string>(steps.begin() + 1, steps.end()),
+              (std::multiset<std::string>{start, "Vardel::ReadVendorThread: Exit..."}));
+}
+
+TEST_F(VendorRuns, AbandonedWorkerTracesNothing) {
+    beforeReading.Arm();
+    ASSERT_TRUE(Restart());
+    ASSERT_TRUE(beforeReading.AwaitHeld());
+    ASSERT_TRUE(Restart());
+    AwaitEnd();
+    test::TracedLines traced;
+    beforeReading.Open();
+    AwaitAbandoned();
+    EXPECT_TRUE(traced.Steps().empty());
 }
 
 // Look-ups, a growing host table and restarts in quick succession: what is in force at the end is the last
