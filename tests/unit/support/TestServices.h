@@ -1,4 +1,5 @@
-// Scripted answers to everything the program asks of a system. A test changes what it needs and reads the record.
+// Scripted answers to everything the program asks of a system. A test changes what it needs and reads the
+// record.
 #pragma once
 
 #include <functional>
@@ -60,7 +61,8 @@ class ScriptedStrings : public StringResources {
     int Load(ModuleHandle, u32 id, char* buffer, int size) override {
         if (onLoad) onLoad(id);
         const auto found = texts.find(id);
-        const std::string text = found == texts.end() ? "" : found->second.substr(0, static_cast<std::size_t>(size - 1));
+        const std::string text =
+            found == texts.end() ? "" : found->second.substr(0, static_cast<std::size_t>(size - 1));
         text.copy(buffer, text.size());
         buffer[text.size()] = 0;
         return static_cast<int>(text.size());
@@ -143,7 +145,9 @@ class ScriptedMachineConfig : public MachineConfig {
     int open = 0;  // handles not closed yet
 
   private:
-    const std::string& Path(MachineKey key) const { return handles_[reinterpret_cast<std::uintptr_t>(key) - 1]; }
+    const std::string& Path(MachineKey key) const {
+        return handles_[reinterpret_cast<std::uintptr_t>(key) - 1];
+    }
     std::vector<std::string> handles_;
 };
 
@@ -158,7 +162,8 @@ class ScriptedCaptureModules : public CaptureModules {
     }
     void* Find(ModuleHandle module, const char* entryPoint) override {
         lookups.push_back(entryPoint);
-        const auto found = entryPoints.find(loaded_[reinterpret_cast<std::uintptr_t>(module) - 1] + "!" + entryPoint);
+        const auto found =
+            entryPoints.find(loaded_[reinterpret_cast<std::uintptr_t>(module) - 1] + "!" + entryPoint);
         return found == entryPoints.end() ? nullptr : found->second;
     }
     void Free(ModuleHandle module) override {
@@ -173,8 +178,11 @@ class ScriptedCaptureModules : public CaptureModules {
     std::vector<std::string> loaded_;
 };
 
-// All of them, with the system's real events and threads.
+// All of them, with the system's real events and, where the test has no others, its real threads.
 struct TestServices {
+    explicit TestServices(Threads& workerThreads = SystemThreads()) : threads(workerThreads) {}
+
+    Threads& threads;
     ScriptedClock clock;
     ScriptedFolders folders;
     ScriptedResolver resolver;
@@ -183,9 +191,8 @@ struct TestServices {
     ScriptedProcess process;
     ScriptedMachineConfig machineConfig;
     ScriptedCaptureModules captureModules;
-    Services services{SystemEvents(), SystemThreads(), clock,         folders,
-                      resolver,       strings,         arpCache,      process,
-                      machineConfig,  captureModules};
+    Services services{SystemEvents(), threads,  clock,   folders,       resolver,
+                      strings,        arpCache, process, machineConfig, captureModules};
 };
 
 }  // namespace vardel::test
