@@ -69,11 +69,16 @@ class FrameBlock {
     std::vector<pcap_pkthdr> headers_;
 };
 
-// Frames of all `addresses` in turn, each host with a MAC of its own.
+// One frame of each of `addresses`, then frames of hosts drawn at random, each host with a MAC of its own. Traffic
+// follows no order that a processor could foretell.
 inline FrameBlock ArpFramesOf(const std::vector<Address>& addresses, u32 count) {
     FrameBlock block(count, kFrameSize);
     const u32 hosts = static_cast<u32>(addresses.size());
-    for (u32 i = 0; i < count; ++i) WriteArpFrame(block.Frame(i), addresses[i % hosts], i % hosts);
+    std::mt19937 random(1);
+    for (u32 i = 0; i < count; ++i) {
+        const u32 host = i < hosts ? i : static_cast<u32>(random() % hosts);
+        WriteArpFrame(block.Frame(i), addresses[host], host);
+    }
     return block;
 }
 

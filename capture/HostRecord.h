@@ -14,12 +14,17 @@ enum class TrustState : u32 { Unknown = 0, Trusted = 1, Distrusted = 2 };
 enum class OsClass : u32 { Unknown = 0, Workstation = 1, Server = 2 };
 
 // What each further ARP frame of the host reads and writes comes first and fills two cache lines: with tens of
-// thousands of hosts the time of a frame is the number of lines that it touches.
+// thousands of hosts the time of a frame is the number of lines, and of pages, that it touches.
 struct alignas(64) HostRecord {
     HostRecord() = default;
     HostRecord(const HostRecord&) = delete;
     HostRecord& operator=(const HostRecord&) = delete;
 
+    // Records lie close together, in a pool of the process.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* record) noexcept;
+
+    TcString ip;            // dotted decimal, no leading zeros; never changes once others know the record
     TcString mac;           // "xx:xx:xx:xx:xx:xx", lower case; the first one seen
     TcString lastSeenText;  // local time of the last ARP frame, "%H:%M:%S"
     Shared<i64> lastSeen;   // seconds since 1970 of the last ARP frame
@@ -31,10 +36,9 @@ struct alignas(64) HostRecord {
     // How often the record waits in a work list; each belongs to its list (see SharedList).
     u32 waitingSpoofs = 0;
     u32 waitingNetRes = 0;
-    TcString hostName;  // or string id 90
 
-    TcString ip;      // dotted decimal, no leading zeros
-    TcString vendor;  // or string id 91
+    TcString hostName;  // or string id 90
+    TcString vendor;    // or string id 91
     Shared<u8> wmiOsKnown;
     Shared<u8> shareScanRefused;
     Shared<u8> isLocal;
@@ -51,6 +55,6 @@ struct alignas(64) HostRecord {
     TcString presentationUrl;
 };
 
-static_assert(offsetof(HostRecord, hostName) + sizeof(TcString) <= 128);
+static_assert(offsetof(HostRecord, hostName) <= 128);
 
 }  // namespace vardel

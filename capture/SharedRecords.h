@@ -86,7 +86,11 @@ struct NetResWaiting {
     static u32* Waiting(HostRecord* host) { return &host->waitingNetRes; }
 };
 
-using ArpMap = SharedMap<HostRecord>;  // the records belong to VardelData, also after their erasure
+struct KeyOfHost {
+    static const TcString& Of(const HostRecord& host) { return host.ip; }
+};
+
+using ArpMap = SharedMap<HostRecord, Ownership::BorrowsValues, KeyOfHost>;  // the records belong to VardelData, also after their erasure
 using VendorMap = SharedMap<TcString, Ownership::OwnsValues>;
 using SyslogMap = SharedMap<SyslogSourceList, Ownership::OwnsValues>;
 using NotificationWordSet = SharedMap<TcString, Ownership::OwnsValues>;  // key and value are the word

@@ -82,9 +82,9 @@ u32 VardelARPImpl::PacketReceived(const pcap_pkthdr* header, const u8* frame, Va
 // One pin serves all look-ups of the frame. False for an address that is no key of the host table.
 bool VardelARPImpl::RefreshIfKnown(const HashedKey& key, i64 seconds, VardelData& data) {
     ReadPin pin;
-    const auto* entry = data.arpMap.Find(key);
-    if (!entry) return false;
-    if (HostRecord* host = entry->Value()) RefreshKnownHost(*host, key, seconds, data);
+    HostRecord* host;
+    if (!data.arpMap.FindRecord(key, host)) return false;
+    if (host) RefreshKnownHost(*host, key, seconds, data);
     return true;
 }
 

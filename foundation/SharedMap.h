@@ -10,6 +10,10 @@
 // Ownership: OwnsValues frees a value when its entry is erased or replaced (once no pinned reader can hold it) and
 // when the map ends. BorrowsValues never does.
 //
+// Records that carry their key themselves, as a field that never changes, can say so with RecordKey (a type with
+// `static const TcString& Of(const V&)`). FindRecord then looks at the record alone and leaves the entry aside, which
+// with many records is one wait for memory less.
+//
 // The hash is TcString::GetHashNum, multiplied by a secret of the process, so that nobody can aim keys at one
 // place of the table. Writers are serialised by a mutex.
 #pragma once
@@ -20,6 +24,7 @@
 #include <mutex>
 #include <utility>
 
+#include "foundation/LargeBlock.h"
 #include "foundation/ProcessSecret.h"
 #include "foundation/Reclaim.h"
 #include "foundation/TcString.h"
@@ -38,7 +43,7 @@ struct HashedKey {
     u64 mixed;
 };
 
-template <class V, Ownership ownership = Ownership::BorrowsValues>
+template <class V, Ownership ownership = Ownership::BorrowsValues, class RecordKey = void>
 class SharedMap {
   public:
     class alignas(64) Entry {  // one cache line
@@ -69,6 +74,13 @@ class SharedMap {
     // Null when absent. The caller holds a ReadPin for as long as it uses the entry.
     const Entry* Find(const HashedKey& key) const { return body_.load()->Find(key); }
     const Entry* Find(const TcString& key) const { return Find(HashedKey(key)); }
+
+    // False when absent; a present key may have null as its record. The caller holds a ReadPin.
+    bool FindRecord(const HashedKey& key, V*& record) const
+        requires(!std::is_void_v<RecordKey>)
+    {
+        return body_.load()->FindRecord(key, record);
+    }
 
     // The record under the key, or null when absent or stored as null.
     V* FindValue(const TcString& key) const {
@@ -126,25 +138,42 @@ class SharedMap {
     }
 
   private:
-    // Slots hold an entry's address with 16 bits of its hash in the upper part (x86-64 user addresses have 47
-    // bits), so that a probe rarely touches the wrong entry.
+    using Slot = std::atomic<u64>;
+
+    static constexpr bool kRecordsCarryKeys = !std::is_void_v<RecordKey>;
+
+    // Slots hold an entry's address with 16 bits of its hash in the upper part (x86-64 user addresses have 47 bits),
+    // so that a probe rarely touches the wrong entry. Where the records carry their keys a second row of slots, with
+    // the same places, leads straight to the records; it is all that FindRecord reads.
     struct Table {
         explicit Table(u32 capacityLog2)
-            : shift(64 - capacityLog2), mask((1u << capacityLog2) - 1), slots(new std::atomic<u64>[mask + 1]) {
-            for (u32 i = 0; i <= mask; ++i) slots[i].store(0, std::memory_order_relaxed);
+            : shift(64 - capacityLog2),
+              mask((1u << capacityLog2) - 1),
+              memory((sizeof(Slot) << capacityLog2) * (kRecordsCarryKeys ? 2 : 1)),
+              slots(static_cast<Slot*>(memory.Data())),
+              recordSlots(kRecordsCarryKeys ? slots + mask + 1 : nullptr) {
+            std::uninitialized_value_construct_n(slots, (std::size_t{mask} + 1) * (kRecordsCarryKeys ? 2 : 1));
         }
         const u32 shift;
         const u32 mask;
-        const std::unique_ptr<std::atomic<u64>[]> slots;
+        const LargeBlock memory;
+        Slot* const slots;
+        Slot* const recordSlots;
     };
 
     static constexpr u64 kErased = 1;
+    static constexpr u64 kNoRecord = 2;  // stands for null in a record slot, beside its tag
     static constexpr u32 kStartLog2 = 4;
-    static u64 Tag(u64 mixed) { return (mixed << 17) & 0xffff000000000000ull; }
+    static constexpr u64 kAddressMask = 0x0000ffffffffffffull;
+    static u64 Tag(u64 mixed) { return (mixed << 17) & ~kAddressMask; }
     static u64 Pack(Entry* entry) { return Tag(entry->mixed_) | reinterpret_cast<std::uintptr_t>(entry); }
-    static Entry* Unpack(u64 slot) {
-        return reinterpret_cast<Entry*>(static_cast<std::uintptr_t>(slot & 0x0000ffffffffffffull));
+    static u64 PackRecord(Entry* entry) {
+        const V* record = entry->Value();
+        return Tag(entry->mixed_) | (record ? reinterpret_cast<std::uintptr_t>(record) : kNoRecord);
     }
+    static Entry* Unpack(u64 slot) { return reinterpret_cast<Entry*>(static_cast<std::uintptr_t>(slot & kAddressMask)); }
+    static V* UnpackRecord(u64 slot) { return reinterpret_cast<V*>(static_cast<std::uintptr_t>(slot & kAddressMask)); }
+    static bool MayBe(u64 slot, u64 tag) { return slot != kErased && (slot & ~kAddressMask) == tag; }
 
     struct Body {
         Body() : table(new Table(kStartLog2)) {}
@@ -164,9 +193,29 @@ class SharedMap {
             for (u32 at = static_cast<u32>(wanted.mixed >> probe->shift);; ++at) {
                 const u64 slot = probe->slots[at & probe->mask].load();
                 if (slot == 0) return nullptr;
-                if (slot == kErased || (slot & 0xffff000000000000ull) != tag) continue;
+                if (!MayBe(slot, tag)) continue;
                 const Entry* entry = Unpack(slot);
                 if (entry->mixed_ == wanted.mixed && entry->key == wanted.key) return entry;
+            }
+        }
+
+        bool FindRecord(const HashedKey& wanted, V*& record) const {
+            const Table* probe = table.load();
+            const u64 tag = Tag(wanted.mixed);
+            for (u32 at = static_cast<u32>(wanted.mixed >> probe->shift);; ++at) {
+                const u64 slot = probe->recordSlots[at & probe->mask].load();
+                if (slot == 0) return false;
+                if (!MayBe(slot, tag)) continue;
+                if ((slot & kAddressMask) == kNoRecord) {
+                    const u64 entry = probe->slots[at & probe->mask].load();
+                    if (!MayBe(entry, tag) || !(Unpack(entry)->key == wanted.key)) continue;
+                    record = nullptr;
+                    return true;
+                }
+                record = UnpackRecord(slot);
+                // What is read next lies behind the key's cache line.
+                __builtin_prefetch(reinterpret_cast<const char*>(record) + 64);
+                if (RecordKey::Of(*record) == wanted.key) return true;
             }
         }
 
@@ -191,6 +240,7 @@ class SharedMap {
             Table* current = table.load();
             u32 at = static_cast<u32>(wanted.mixed >> current->shift);
             while (current->slots[at & current->mask].load() != Pack(entry)) ++at;
+            if constexpr (kRecordsCarryKeys) current->recordSlots[at & current->mask].store(kErased);
             current->slots[at & current->mask].store(kErased);
             Entry* next = entry->next_.load();
             (entry->previous_ ? entry->previous_->next_ : first).store(next);
@@ -204,6 +254,7 @@ class SharedMap {
             u32 at = static_cast<u32>(entry->mixed_ >> target.shift);
             while (target.slots[at & target.mask].load(std::memory_order_relaxed) != 0) ++at;
             target.slots[at & target.mask].store(Pack(entry));
+            if constexpr (kRecordsCarryKeys) target.recordSlots[at & target.mask].store(PackRecord(entry));
         }
 
         Table* Rebuild() {

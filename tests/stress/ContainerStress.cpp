@@ -95,6 +95,44 @@ TEST(ContainerStress, MapKeepsItsPromisesUnderAnyMix) {
     EXPECT_EQ(wrong, 0);
 }
 
+TEST(ContainerStress, RecordsThatCarryTheirKeyAreFoundUnderAnyMix) {
+    struct Record {
+        TcString key;
+    };
+    struct KeyOfRecord {
+        static const TcString& Of(const Record& record) { return record.key; }
+    };
+    SharedMap<Record, Ownership::BorrowsValues, KeyOfRecord> map;
+    std::vector<Record> records(400);
+    for (int n = 0; n < 400; ++n) {
+        records[n].key = ("10.1." + std::to_string(n) + ".1").c_str();
+        if (n % 2 == 0) map.Insert(records[n].key, &records[n]);
+    }
+    std::atomic<bool> stop{false};
+    std::atomic<int> wrong{0}, found{0};
+    const auto read = [&] {
+        for (int n = 0; !stop; n = (n + 1) % 400) {
+            ReadPin pin;
+            Record* record = nullptr;
+            const bool known = map.FindRecord(HashedKey(records[n].key), record);
+            if (known && record != &records[n]) ++wrong;
+            if (!known && n % 2 == 0) ++wrong;
+            found += known;
+        }
+    };
+    RunTogether({[&] {
+                     for (int round = 0; round < 300; ++round)
+                         for (int n = 1; n < 400; n += 2) {
+                             map.Insert(records[n].key, &records[n]);
+                             if (round % 2) map.Erase(records[n].key);
+                         }
+                     stop = true;
+                 },
+                 read, read});
+    EXPECT_EQ(wrong, 0);
+    EXPECT_GT(found, 0);
+}
+
 TEST(ContainerStress, ReplacedTablesAreSeenWholeOrNotAtAll) {
     SharedMap<int, Ownership::OwnsValues> map;
     std::atomic<bool> stop{false};

@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <optional>
 #include <random>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace vardel {
 namespace {
@@ -149,6 +151,61 @@ TEST(SharedMap, KeepsReplacedRecordsWhileAReaderIsPinned) {
     }
     FreeRetired();
     EXPECT_EQ(Counted::alive, before);
+}
+
+// A record that carries its key.
+struct Named {
+    TcString name;
+};
+struct NameOf {
+    static const TcString& Of(const Named& record) { return record.name; }
+};
+using Carrying = SharedMap<Named, Ownership::BorrowsValues, NameOf>;
+
+// What FindRecord says: the record, null for a key that has none, nothing for an absent key.
+std::optional<Named*> RecordIn(const Carrying& map, const TcString& key) {
+    ReadPin pin;
+    Named* record = nullptr;
+    return map.FindRecord(HashedKey(key), record) ? std::optional(record) : std::nullopt;
+}
+
+TEST(SharedMap, FindsRecordsThatCarryTheirKeyWithoutTheirEntry) {
+    Carrying map;
+    std::map<std::string, Named*> model;
+    std::vector<std::unique_ptr<Named>> records;
+    for (int i = 0; i < 700; ++i) records.push_back(std::make_unique<Named>(Named{Key(i)}));
+    std::mt19937 random(2);
+    for (int step = 0; step < 20000; ++step) {
+        const std::size_t at = random() % records.size();
+        const TcString& key = records[at]->name;
+        if (random() % 3 == 0) {
+            EXPECT_EQ(map.Erase(key), model.erase(key.GetContent()) == 1);
+        } else {
+            EXPECT_EQ(map.Insert(key, records[at].get()), model.emplace(key.GetContent(), records[at].get()).second);
+        }
+        const TcString wanted = Key(static_cast<int>(random() % 1400));
+        const auto known = model.find(wanted.GetContent());
+        EXPECT_EQ(RecordIn(map, wanted), known == model.end() ? std::nullopt : std::optional(known->second));
+    }
+}
+
+TEST(SharedMap, TellsAnAbsentKeyFromAKeyWithoutARecord) {
+    Carrying map;
+    Named other{"other"};
+    EXPECT_TRUE(map.Insert("null", nullptr));
+    EXPECT_TRUE(map.Insert("other", &other));
+    EXPECT_EQ(RecordIn(map, "null"), std::optional<Named*>(nullptr));
+    EXPECT_EQ(RecordIn(map, "other"), std::optional(&other));
+    EXPECT_EQ(RecordIn(map, "absent"), std::nullopt);
+    EXPECT_TRUE(map.Erase("null"));
+    EXPECT_EQ(RecordIn(map, "null"), std::nullopt);
+}
+
+TEST(SharedMap, LooksAtTheKeyOfTheRecordItself) {
+    Carrying map;
+    Named record{"another name"};
+    map.Insert("key", &record);
+    EXPECT_EQ(RecordIn(map, "key"), std::nullopt);
 }
 
 }  // namespace
