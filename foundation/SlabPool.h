@@ -14,7 +14,7 @@ namespace vardel {
 class SlabPool {
   public:
     // `pieceSize` is a multiple of the cache line, 64 bytes, and so is the alignment.
-    explicit constexpr SlabPool(std::size_t pieceSize) : pieceSize_(pieceSize) {}
+    explicit SlabPool(std::size_t pieceSize) : pieceSize_(pieceSize) {}
     SlabPool(const SlabPool&) = delete;
     SlabPool& operator=(const SlabPool&) = delete;
 
