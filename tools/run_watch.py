@@ -52,13 +52,19 @@ class Leave:
     """SIGINT and SIGTERM ask to leave; the clean-up then runs as at any other end."""
 
     def __init__(self, seconds):
-        self._deadline = None if seconds is None else time.monotonic() + seconds
+        self._seconds = seconds
+        self._deadline = None
         self._asked = False
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             signal.signal(number, self._ask)
 
     def _ask(self, *_):
         self._asked = True
+
+    def begin(self):
+        """The time counts from here: what was prepared before isn't part of it."""
+        if self._seconds is not None:
+            self._deadline = time.monotonic() + self._seconds
 
     def is_due(self):
         return self._asked or (self._deadline is not None and time.monotonic() >= self._deadline)
@@ -87,6 +93,7 @@ def start_demo_lan(stack, folder):
 
 def wait_until_left(child, leave):
     """True when the program ended by itself before it was asked to."""
+    leave.begin()
     while not leave.is_due():
         if child.poll() is not None:
             return True
@@ -111,6 +118,21 @@ def watch_on_linux(options, stack, folder, leave):
             child.wait()
 
 
+def ask_to_exit(wine, child):
+    """Gives the Exit command, again until it is taken: the window may not be there yet. False: it still runs."""
+    deadline = time.monotonic() + END_SECONDS
+    is_taken = False
+    while child.poll() is None and time.monotonic() < deadline:
+        if not is_taken:
+            # No pipes: Wine's own helpers, which a program may start, would hold them open.
+            post = wine.start([POST_COMMAND, watch_settings.EXIT_COMMAND], stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL)
+            with contextlib.suppress(subprocess.TimeoutExpired):
+                is_taken = post.wait(END_SECONDS) == 0
+        time.sleep(LOOK_SECONDS)
+    return child.poll() is not None
+
+
 def watch_on_windows(options, stack, folder, leave):
     if options.interface:
         namespace, interface = None, watch_settings.wine_device(options.interface)
@@ -125,11 +147,7 @@ def watch_on_windows(options, stack, folder, leave):
     wine = stack.enter_context(wine_prefix.WinePrefix(namespace))
     watch_settings.prepare_prefix(wine, folder, WINE_PACKET, {**DEMO_SETTINGS, "Interface": interface})
     child = wine.start([WINDOWS_PROGRAM], start_new_session=True)
-    if not wait_until_left(child, leave):
-        wine.run([POST_COMMAND, watch_settings.EXIT_COMMAND], check=False)
-    try:
-        child.wait(END_SECONDS)
-    except subprocess.TimeoutExpired:
+    if not wait_until_left(child, leave) and not ask_to_exit(wine, child):
         print("The Windows program did not end; it is ended with its Wine prefix.", file=sys.stderr)
         return 1
     # The Windows program's own exit code is 1 on all paths.
