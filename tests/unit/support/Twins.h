@@ -11,18 +11,18 @@
 #include "tests/unit/support/WatchedLan.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define VARDEL_TWINS_SANITIZED 1
+#define VARDEL_FEWER_ROUNDS 1
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define VARDEL_TWINS_SANITIZED 1
+#define VARDEL_FEWER_ROUNDS 1
 #endif
 #endif
 
 namespace vardel::test {
 
-// Rounds for this build: a hundredth where a sanitizer slows every step. VARDEL_TWIN_FACTOR multiplies them.
+// Rounds for this build: a hundredth where a sanitizer or Wine slows every step. VARDEL_TWIN_FACTOR multiplies them.
 inline u64 TwinRounds(u64 rounds) {
-#ifdef VARDEL_TWINS_SANITIZED
+#ifdef VARDEL_FEWER_ROUNDS
     rounds /= 100;
 #endif
     const char* factor = std::getenv("VARDEL_TWIN_FACTOR");
