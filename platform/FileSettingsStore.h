@@ -28,7 +28,7 @@ class FileSettingsStore : public TreeSettingsStore {
   public:
     explicit FileSettingsStore(SettingsFiles files) : files_(std::move(files)) {}
 
-    // A desktop entry as the XDG autostart specification has it.
+    // A desktop entry as the XDG autostart rules have it.
     bool AddAutostart(const char* name) override;
     bool RemoveAutostart(const char* name) override;
 

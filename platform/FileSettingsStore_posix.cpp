@@ -101,7 +101,7 @@ std::string BehindLinks(const std::string& path) {
     return real ? real.get() : path;
 }
 
-// A string of a desktop entry's Exec line, quoted. Source: Desktop Entry Specification 1.5, "The Exec key".
+// A string of a desktop entry's Exec line, quoted. Source: freedesktop.org desktop entries 1.5, "The Exec key".
 std::string QuotedForExec(const std::string& path) {
     std::string quoted = "\"";
     for (const char c : path) {

@@ -14,7 +14,7 @@ namespace vardel {
 
 namespace {
 
-// A folder from the environment; a relative one counts as none (XDG Base Directory Specification).
+// A folder from the environment; a relative one counts as none (XDG base directories).
 std::string AbsoluteFromEnvironment(const char* variable) {
     const char* value = std::getenv(variable);
     std::string folder = value && value[0] == '/' ? value : "";

@@ -1,4 +1,4 @@
-// The user's folders of the XDG Base Directory Specification. Linux only.
+// The user's folders as freedesktop.org lays them out (XDG base directories). Linux only.
 #pragma once
 
 #include <string>
