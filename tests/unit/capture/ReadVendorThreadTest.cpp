@@ -7,6 +7,7 @@
 
 #include "capture/Vardel.h"
 #include "tests/unit/support/Gate.h"
+#include "tests/unit/support/NoFrame.h"
 #include "tests/unit/support/TestFolder.h"
 #include "tests/unit/support/TestServices.h"
 #include "tests/unit/support/TracedLines.h"
@@ -375,7 +376,8 @@ TEST_F(VendorRuns, TracesItsStartAndItsEnd) {
     ReadVendorThread(nullptr);
     EXPECT_EQ(traced.Steps(), (std::vector<std::string>{"Vardel::ReadVendorThread: No params - Exit..."}));
     ASSERT_TRUE(Restart());
-    const std::string start = "Vardel::ReadMACVendorFile: Create ReadVendorThread - ID: " + std::to_string(thread.id);
+    const std::string start =
+        "Vardel::ReadMACVendorFile: Create ReadVendorThread - ID: " + std::to_string(thread.id);
     AwaitEnd();
     const std::vector<std::string> steps = traced.Steps();
     EXPECT_EQ(std::multiset<std::string>(steps.begin() + 1, steps.end()),
@@ -392,6 +394,35 @@ TEST_F(VendorRuns, AbandonedWorkerTracesNothing) {
     beforeReading.Open();
     AwaitAbandoned();
     EXPECT_TRUE(traced.Steps().empty());
+}
+
+// The application's own operation, from the update's point of view: no file name, and a new list counts at
+// once.
+TEST(Vardel, RereadsTheVendorFileOnItsSharedBlock) {
+    test::TestFolder folder;
+    test::TestServices system;
+    system.folders.programPath = folder.Path("vardelwatch");
+    folder.Write("ethercodes.dat", "0:0:c\tCisco\n");
+    test::NoFrame frame;
+    Vardel app(system.services, frame);
+    app.data.fences.CreateAll();
+    app.workerParams.data = &app.data;
+    app.workerParams.app = &app;
+    ASSERT_TRUE(app.ReadMACVendorFile());
+    EXPECT_NE(app.readVendorThread.id, 0u);
+    ASSERT_TRUE(SystemThreads().WaitAll({&app.readVendorThread.handle, 1}, 20000));
+    EXPECT_NE(app.data.vendors.FindValue("00:00:0c"), nullptr);
+
+    folder.Write("ethercodes.dat", "8:0:20\tSun\n");
+    ASSERT_TRUE(app.ReadMACVendorFile());
+    ASSERT_TRUE(SystemThreads().WaitAll({&app.readVendorThread.handle, 1}, 20000));
+    EXPECT_EQ(app.data.vendors.FindValue("00:00:0c"), nullptr);
+    EXPECT_NE(app.data.vendors.FindValue("08:00:20"), nullptr);
+    EXPECT_TRUE(app.abandonedThreads.empty());
+
+    app.workerParams.stop = 1;
+    EXPECT_FALSE(app.ReadMACVendorFile());
+    EXPECT_EQ(app.readVendorThread.handle, nullptr);
 }
 
 // Look-ups, a growing host table and restarts in quick succession: what is in force at the end is the last
