@@ -2,9 +2,6 @@
 #pragma once
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -66,10 +63,6 @@ inline std::string Utf16(const std::string& utf8) {
 }
 
 // A file of tests/data/settings.
-inline std::string SampleBytes(const std::string& name) {
-    std::ifstream file(std::string(VARDEL_TEST_DATA) + "/settings/" + name, std::ios::binary);
-    if (!file) throw std::runtime_error("no sample " + name);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+std::string SampleBytes(const std::string& name);
 
 }  // namespace vardel::test
