@@ -11,6 +11,7 @@
 #include "platform/MachineConfig.h"
 #include "platform/Process.h"
 #include "platform/Resolver.h"
+#include "platform/Shell.h"
 #include "platform/StringResources.h"
 #include "platform/Threads.h"
 
@@ -27,6 +28,7 @@ struct Services {
     ProcessServices& process;
     MachineConfig& machineConfig;
     CaptureModules& captureModules;
+    Shell& shell = SystemShell();
 };
 
 // The running system's answers.

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/CommandLine.h"
 #include "platform/Services.h"
 
 namespace vardel::test {
@@ -182,6 +183,27 @@ class ScriptedCaptureModules : public CaptureModules {
     std::vector<std::string> loaded_;
 };
 
+// Takes the parameter text as one piece, as Windows does, unless the test says `splitsParameters`.
+class RecordingShell : public Shell {
+  public:
+    struct Launch {
+        ShellVerb verb;
+        std::string file;
+        std::vector<std::string> pieces;
+        bool operator==(const Launch&) const = default;
+    };
+    std::vector<std::string> ParameterPieces(const std::string& parameters) override {
+        return splitsParameters ? SplitCommandLine(parameters) : std::vector<std::string>{parameters};
+    }
+    bool Execute(ShellVerb verb, const std::string& file, const std::vector<std::string>& pieces) override {
+        launches.push_back({verb, file, pieces});
+        return succeeds;
+    }
+    bool splitsParameters = false;
+    bool succeeds = true;
+    std::vector<Launch> launches;
+};
+
 // All of them, with the system's real events and, where the test has no others, its real threads.
 struct TestServices {
     explicit TestServices(Threads& workerThreads = SystemThreads()) : threads(workerThreads) {}
@@ -195,8 +217,10 @@ struct TestServices {
     ScriptedProcess process;
     ScriptedMachineConfig machineConfig;
     ScriptedCaptureModules captureModules;
+    RecordingShell shell;
     Services services{SystemEvents(), threads,  clock,   folders,       resolver,
-                      strings,        arpCache, process, machineConfig, captureModules};
+                      strings,        arpCache, process, machineConfig, captureModules,
+                      shell};
 };
 
 }  // namespace vardel::test
