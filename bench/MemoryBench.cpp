@@ -51,9 +51,7 @@ void Tell(const char* what, const InUse& before, const InUse& after) {
 int Run() {
     test::TestServices system;
     NamingResolver resolver;
-    Services services{SystemEvents(),       SystemThreads(),      system.clock,   system.folders,
-                      resolver,             system.strings,       system.arpCache, system.process,
-                      system.machineConfig, system.captureModules};
+    Services services = system.services.With(resolver);
     VardelData data(services);
     data.fences.CreateAll();
     for (u32 octet = 0; octet < 256; ++octet) {

@@ -29,6 +29,11 @@ struct Services {
     MachineConfig& machineConfig;
     CaptureModules& captureModules;
     Shell& shell = SystemShell();
+
+    // The same, but for one of them.
+    Services With(Events& other) const;
+    Services With(Threads& other) const;
+    Services With(Resolver& other) const;
 };
 
 // The running system's answers.

@@ -19,12 +19,6 @@ namespace {
 
 constexpr char kEventGuardName[] = "WriteEventMapHandle";
 
-Services ServicesWith(Resolver& resolver) {
-    Services& system = SystemServices();
-    return {system.events,   system.threads, system.clock,         system.folders,        resolver, system.strings,
-            system.arpCache, system.process, system.machineConfig, system.captureModules};
-}
-
 bool ReadFile(const std::string& name, std::string& bytes, std::string& message) {
     std::ifstream file(name, std::ios::binary);
     bytes.assign(std::istreambuf_iterator<char>(file), {});
@@ -36,7 +30,7 @@ bool ReadFile(const std::string& name, std::string& bytes, std::string& message)
 }  // namespace
 
 ReplayState::ReplayState(bool resolve)
-    : services_(ServicesWith(resolve ? SystemServices().resolver : noResolver_)),
+    : services_(resolve ? SystemServices() : SystemServices().With(noResolver_)),
       eventGuard_(services_.events.Create(kEventGuardName, true, true)),
       data_(services_) {
     // The handlers wait at guard and fences as in a running program, so that their time is told with that.

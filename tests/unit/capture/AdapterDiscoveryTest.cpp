@@ -218,16 +218,7 @@ TEST_F(AdapterDiscovery, NamesTheMachineAfterTheFirstUsableAdapter) {
             return true;
         }
     } resolver;
-    Services named{system.services.events,
-                   system.services.threads,
-                   system.clock,
-                   system.folders,
-                   resolver,
-                   system.strings,
-                   system.arpCache,
-                   system.process,
-                   system.machineConfig,
-                   system.captureModules};
+    Services named = system.services.With(resolver);
     VardelData own(named);
     capture.devices = {{.name = "eth0", .addresses = {{kNoIp, kMask24}}},
                        {.name = "eth1", .addresses = {{{10, 0, 0, 5}, kMask24}}},

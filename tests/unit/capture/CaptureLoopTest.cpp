@@ -92,9 +92,7 @@ class CaptureLoopTest : public testing::Test {
 
     ScriptedEvents events;
     TestServices system;
-    Services services{
-        events,         system.services.threads, system.clock,   system.folders,       system.resolver,
-        system.strings, system.arpCache,         system.process, system.machineConfig, system.captureModules};
+    Services services = system.services.With(events);
     VardelData data{services};
     RecordingArp arp;
     RecordingIp ip;

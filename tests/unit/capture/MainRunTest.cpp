@@ -117,16 +117,7 @@ struct MainRunTest : testing::Test {
     test::RecordingEvents events{record};
     test::RecordingThreads threads{record};
     test::TestServices system;
-    Services services{events,
-                      threads,
-                      system.clock,
-                      system.folders,
-                      system.resolver,
-                      system.strings,
-                      system.arpCache,
-                      system.process,
-                      system.machineConfig,
-                      system.captureModules};
+    Services services = system.services.With(events).With(threads);
     test::ScriptedCapture capture;
     TreeSettingsStore store;
     ScopedSettingsStore installed{store};

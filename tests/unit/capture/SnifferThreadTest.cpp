@@ -30,16 +30,7 @@ class SnifferThreadTest : public testing::Test {
 
     ScriptedEvents events;
     TestServices system;
-    Services services{events,
-                      system.services.threads,
-                      system.clock,
-                      system.folders,
-                      system.resolver,
-                      system.strings,
-                      system.arpCache,
-                      system.process,
-                      system.machineConfig,
-                      system.captureModules};
+    Services services = system.services.With(events);
     NoFrame frame;
     ScriptedCapture capture;
     Vardel app{services, frame};

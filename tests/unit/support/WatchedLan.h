@@ -94,17 +94,7 @@ class WatchedLan {
 
   private:
     Services WithEvents(Events* events) {
-        const Services& own = system.services;
-        return Services{events ? *events : own.events,
-                        own.threads,
-                        own.clock,
-                        own.folders,
-                        own.resolver,
-                        own.strings,
-                        own.arpCache,
-                        own.process,
-                        own.machineConfig,
-                        own.captureModules};
+        return events ? system.services.With(*events) : system.services;
     }
     Services services_;
 
