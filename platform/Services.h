@@ -8,6 +8,7 @@
 #include "platform/Clock.h"
 #include "platform/Events.h"
 #include "platform/Folders.h"
+#include "platform/Http.h"
 #include "platform/MachineConfig.h"
 #include "platform/Process.h"
 #include "platform/Resolver.h"
@@ -29,11 +30,13 @@ struct Services {
     MachineConfig& machineConfig;
     CaptureModules& captureModules;
     Shell& shell = SystemShell();
+    Http& http = SystemHttp();
 
     // The same, but for one of them.
     Services With(Events& other) const;
     Services With(Threads& other) const;
     Services With(Resolver& other) const;
+    Services With(Http& other) const;
 };
 
 // The running system's answers.

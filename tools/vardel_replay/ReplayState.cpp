@@ -29,8 +29,10 @@ bool ReadFile(const std::string& name, std::string& bytes, std::string& message)
 
 }  // namespace
 
-ReplayState::ReplayState(bool resolve)
-    : services_(resolve ? SystemServices() : SystemServices().With(noResolver_)),
+ReplayState::ReplayState(bool resolve, bool fetch)
+    : services_(SystemServices()
+                    .With(resolve ? SystemServices().resolver : noResolver_)
+                    .With(fetch ? SystemServices().http : noHttp_)),
       eventGuard_(services_.events.Create(kEventGuardName, true, true)),
       data_(services_) {
     // The handlers wait at guard and fences as in a running program, so that their time is told with that.

@@ -1,6 +1,7 @@
 // ReplayState: the shared state as it stands before the first frame is fed: settings, local records, vendor table.
 //
-// Built by the main thread. The services are the system's, but for the name resolver unless look-ups are wanted.
+// Built by the main thread. The services are the system's, but for the name resolver and the HTTP client unless
+// look-ups and fetches are wanted.
 #pragma once
 
 #include <string>
@@ -18,9 +19,15 @@ class NoResolver : public Resolver {
     bool HostByAddress(u32, std::string&) override { return false; }
 };
 
+// Every fetch fails.
+class NoHttp : public Http {
+  public:
+    bool Fetch(const HttpRequest&, std::string&) override { return false; }
+};
+
 class ReplayState {
   public:
-    explicit ReplayState(bool resolve);
+    ReplayState(bool resolve, bool fetch);
     ~ReplayState();
     ReplayState(const ReplayState&) = delete;
     ReplayState& operator=(const ReplayState&) = delete;
@@ -36,6 +43,7 @@ class ReplayState {
     bool ReadVendors(const std::string& file, std::string& message);
 
     NoResolver noResolver_;
+    NoHttp noHttp_;
     Services services_;
     EventHandle eventGuard_;
     VardelData data_;

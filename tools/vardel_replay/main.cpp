@@ -46,7 +46,7 @@ int Replay(const Options& options) {
         Complain(message);
         return opened == OpenResult::OtherLinkType ? kWrongUse : kUnreadable;
     }
-    ReplayState state(options.resolve);
+    ReplayState state(options.resolve, options.fetch);
     if (!state.Prepare(options, message)) {
         Complain(message);
         return kUnreadable;

@@ -204,6 +204,26 @@ class RecordingShell : public Shell {
     std::vector<Launch> launches;
 };
 
+// Documents by address; what isn't there fails to open.
+class ScriptedHttp : public Http {
+  public:
+    struct Fetched {
+        std::string agent, url;
+        u32 maxBytes, timeoutMs;
+    };
+    bool Fetch(const HttpRequest& request, std::string& block) override {
+        fetches.push_back({request.agent, request.url, request.maxBytes, request.timeoutMs});
+        if (onFetch) onFetch();
+        const auto found = documents.find(request.url);
+        if (found == documents.end()) return false;
+        block = found->second.substr(0, request.maxBytes);
+        return true;
+    }
+    std::map<std::string, std::string> documents;
+    std::vector<Fetched> fetches;
+    std::function<void()> onFetch;  // where a test wants to look at, or hold, the thread that asks
+};
+
 // All of them, with the system's real events and, where the test has no others, its real threads.
 struct TestServices {
     explicit TestServices(Threads& workerThreads = SystemThreads()) : threads(workerThreads) {}
@@ -218,9 +238,10 @@ struct TestServices {
     ScriptedMachineConfig machineConfig;
     ScriptedCaptureModules captureModules;
     RecordingShell shell;
+    ScriptedHttp http;
     Services services{SystemEvents(), threads,  clock,   folders,       resolver,
                       strings,        arpCache, process, machineConfig, captureModules,
-                      shell};
+                      shell,          http};
 };
 
 }  // namespace vardel::test
