@@ -10,6 +10,7 @@
 #include "platform/Folders.h"
 #include "platform/Http.h"
 #include "platform/MachineConfig.h"
+#include "platform/Modules.h"
 #include "platform/Process.h"
 #include "platform/Resolver.h"
 #include "platform/Shell.h"
@@ -31,6 +32,7 @@ struct Services {
     CaptureModules& captureModules;
     Shell& shell = SystemShell();
     Http& http = SystemHttp();
+    Modules& modules = SystemModules();
 
     // The same, but for one of them.
     Services With(Events& other) const;

@@ -224,6 +224,45 @@ class ScriptedHttp : public Http {
     std::function<void()> onFetch;  // where a test wants to look at, or hold, the thread that asks
 };
 
+// Folders of modules by their path; modules by their full path, entry points by "path!name". A module's handle counts
+// its load, from 1.
+class ScriptedModules : public Modules {
+  public:
+    std::vector<FolderEntry> List(const std::string& folder, const char* wanted) override {
+        listed.push_back(folder);
+        std::vector<FolderEntry> matching;
+        for (const FolderEntry& entry : folders[folder])
+            if (entry.name.ends_with(wanted)) matching.push_back(entry);
+        return matching;
+    }
+    ModuleHandle Load(const char* path) override {
+        loads.push_back(path);
+        if (!modules.count(path)) return nullptr;
+        loaded_.push_back(path);
+        return reinterpret_cast<ModuleHandle>(loaded_.size());
+    }
+    void* Find(ModuleHandle module, const char* entryPoint) override {
+        const auto found = entryPoints.find(PathOf(module) + "!" + entryPoint);
+        return found == entryPoints.end() ? nullptr : found->second;
+    }
+    void Free(ModuleHandle module) override {
+        if (module) freed.push_back(PathOf(module));
+    }
+    const char* Ending() const override { return ending; }
+
+    const std::string& PathOf(ModuleHandle module) const {
+        return loaded_[reinterpret_cast<std::uintptr_t>(module) - 1];
+    }
+    std::map<std::string, std::vector<FolderEntry>> folders;
+    std::set<std::string> modules;
+    std::map<std::string, void*> entryPoints;
+    std::vector<std::string> listed, loads, freed;
+    const char* ending = ".so";
+
+  private:
+    std::vector<std::string> loaded_;
+};
+
 // All of them, with the system's real events and, where the test has no others, its real threads.
 struct TestServices {
     explicit TestServices(Threads& workerThreads = SystemThreads()) : threads(workerThreads) {}
@@ -239,9 +278,10 @@ struct TestServices {
     ScriptedCaptureModules captureModules;
     RecordingShell shell;
     ScriptedHttp http;
+    ScriptedModules modules;
     Services services{SystemEvents(), threads,  clock,   folders,       resolver,
                       strings,        arpCache, process, machineConfig, captureModules,
-                      shell,          http};
+                      shell,          http,     modules};
 };
 
 }  // namespace vardel::test
