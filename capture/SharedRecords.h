@@ -8,6 +8,7 @@
 #include "capture/HostRecord.h"
 #include "foundation/SharedList.h"
 #include "foundation/SharedMap.h"
+#include "foundation/SharedOrderedMap.h"
 #include "foundation/TcString.h"
 
 namespace vardel {
@@ -79,6 +80,31 @@ class SyslogSourceList {
     u32 messages_ = 0;
 };
 
+// A remote client's connection to a share of this machine. Made by the share access watcher, owned by
+// VardelData::remoteAccesses and never taken out, so a list may hold it for as long as it likes.
+struct RemoteAccess {
+    TcString computer;  // address or name of the client
+    TcString user;      // may be empty
+    TcString share;
+    Shared<i32> activeTime;          // seconds; 0 until the connection was seen a second time
+    Shared<i32> previousActiveTime;  // activeTime before its last update
+};
+
+// A share that another host offers. Made by the network resource scan, owned by its host's record and never taken out;
+// nothing in it changes once others know it.
+struct NetShare {
+    TcString hostName;
+    TcString ip;
+    TcString unused;  // always empty; plugins get it as a field of its own
+    TcString name;
+    i32 type = 0;  // 1 disk, 2 special disk, 3 print queue, 4 interprocess communication, 5 device, 0 anything else
+    u32 currentUses = 0;
+    u32 maxUses = 0;
+    u32 permissions = 0;
+    TcString path;
+    TcString remark;
+};
+
 struct SpoofWaiting {
     static u32* Waiting(HostRecord* host) { return &host->waitingSpoofs; }
 };
@@ -99,5 +125,8 @@ using MacSpoofList = SharedList<HostRecord*, SpoofWaiting>;
 using WmiWorkList = SharedList<WmiWorkItem*>;
 using NetResWorkList = SharedList<HostRecord*, NetResWaiting>;
 using SyslogNotifyList = SharedList<SyslogRecord*>;
+using ShareAccessList = SharedList<RemoteAccess*>;
+using NewShareList = SharedList<NetShare*>;
+using RemoteAccessMap = SharedOrderedMap<RemoteAccess, Ownership::OwnsValues>;  // key: hash of computer, share and user
 
 }  // namespace vardel

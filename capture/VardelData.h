@@ -51,8 +51,11 @@ class VardelData {
     NewEntryList newEntries;
     MacSpoofList macSpoofs;
     VendorMap vendors;
+    RemoteAccessMap remoteAccesses;
+    ShareAccessList shareAccesses;
     WmiWorkList wmiWork;
     NetResWorkList netResWork;
+    NewShareList newShares;
     SyslogNotifyList syslogNotifications;
     Shared<u8> interfaceChanged;
     Shared<u8> capturing;

@@ -17,8 +17,9 @@ u64 SteadyMs() {
 
 }  // namespace
 
-HeadlessFrame::HeadlessFrame(Services& services, EventHandle leave, std::FILE* output, std::FILE* errors)
-    : services_(services), leave_(leave), errors_(errors), report_(output) {}
+HeadlessFrame::HeadlessFrame(Services& services, EventHandle leave, std::FILE* output, std::FILE* errors,
+                             DesktopNotice& notices)
+    : services_(services), leave_(leave), errors_(errors), report_(output), alerts_(output, notices) {}
 
 bool HeadlessFrame::CreateApp(VardelData& data, Vardel&) {
     if (!leave_) return false;

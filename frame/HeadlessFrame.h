@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "capture/VardelFrame.h"
+#include "frame/AlertLines.h"
 #include "frame/RunReport.h"
 #include "frame/TimerQueue.h"
 #include "platform/Services.h"
@@ -16,10 +17,12 @@ namespace vardel {
 class HeadlessFrame : public VardelFrame {
   public:
     // Borrows all of them for its life. Errors of the start go to `errors`.
-    HeadlessFrame(Services& services, EventHandle leave, std::FILE* output, std::FILE* errors);
+    HeadlessFrame(Services& services, EventHandle leave, std::FILE* output, std::FILE* errors,
+                  DesktopNotice& notices = SystemDesktopNotice());
 
     bool CreateApp(VardelData& data, Vardel& app) override;
     void ShowError(const char* title, const char* text) override;
+    std::unique_ptr<NotifyPopup> MakeUpdatePopup() override { return alerts_.MakePopup(); }
 
     // True once the application has come to its message loop.
     bool WasBuilt() const { return built_; }
@@ -32,6 +35,7 @@ class HeadlessFrame : public VardelFrame {
     const EventHandle leave_;
     std::FILE* const errors_;
     RunReport report_;
+    AlertLines alerts_;
     TimerQueue timers_;
     bool built_ = false;
 };

@@ -8,6 +8,7 @@
 #include <cstdio>
 
 #include "capture/VardelFrame.h"
+#include "frame/AlertLines.h"
 #include "frame/MainWindow.h"
 #include "frame/RunReport.h"
 #include "platform/WindowsApi.h"
@@ -17,10 +18,11 @@ namespace vardel {
 class HiddenWindowFrame : public VardelFrame {
   public:
     // `output` may be null.
-    explicit HiddenWindowFrame(std::FILE* output) : report_(output) {}
+    explicit HiddenWindowFrame(std::FILE* output) : report_(output), alerts_(output, SystemDesktopNotice()) {}
 
     bool CreateApp(VardelData& data, Vardel& app) override;
     void ShowError(const char* title, const char* text) override;
+    std::unique_ptr<NotifyPopup> MakeUpdatePopup() override { return alerts_.MakePopup(); }
 
     // True once the application has come to its message loop.
     bool WasBuilt() const { return built_; }
@@ -34,6 +36,7 @@ class HiddenWindowFrame : public VardelFrame {
     bool RegisterMainClass(HINSTANCE instance);
 
     RunReport report_;
+    AlertLines alerts_;
     VardelData* data_ = nullptr;
     bool built_ = false;
 };

@@ -6,10 +6,12 @@
 #include <linux/neighbour.h>
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
+#include <net/if.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <vector>
@@ -160,9 +162,29 @@ int DeleteNeighbour(NetlinkSocket& netlink, const Neighbour& neighbour) {
 class PosixArpCache : public ArpCache {
   public:
     void Flush() override {
+        FlushIf([](const Neighbour&) { return true; });
+    }
+    u32 CountInterfaces() override {
+        u32 highest = 0;
+        struct if_nameindex* const all = if_nameindex();
+        for (const struct if_nameindex* each = all; each && each->if_index != 0; ++each)
+            highest = std::max(highest, each->if_index);
+        if (all) if_freenameindex(all);
+        return highest;
+    }
+    void FlushInterface(u32 index) override {
+        char name[IF_NAMESIZE];
+        if (!if_indextoname(index, name)) return;
+        FlushIf([index](const Neighbour& neighbour) { return static_cast<u32>(neighbour.interfaceIndex) == index; });
+    }
+
+  private:
+    template <class Unwanted>
+    void FlushIf(Unwanted&& unwanted) {
         NetlinkSocket netlink;
         if (!netlink.IsOpen()) return;
         for (const Neighbour& neighbour : ListNeighbours(netlink)) {
+            if (!unwanted(neighbour)) continue;
             const int result = DeleteNeighbour(netlink, neighbour);
             // Without the right none can be deleted; an entry that went by itself is no failure.
             if (result == -EPERM || result == -EIO) return;

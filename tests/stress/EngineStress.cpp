@@ -35,6 +35,7 @@ class SilentFrame : public VardelFrame {
   public:
     bool CreateApp(VardelData&, Vardel&) override { return true; }
     void ShowError(const char*, const char*) override {}
+    std::unique_ptr<NotifyPopup> MakeUpdatePopup() override { return nullptr; }
 };
 
 std::string Address(int n) { return "10.9." + std::to_string(n / 250) + "." + std::to_string(n % 250 + 1); }

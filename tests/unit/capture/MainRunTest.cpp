@@ -58,6 +58,7 @@ class ScriptedFrame : public VardelFrame {
     void ShowError(const char* title, const char* text) override {
         record_.Add(std::string("error ") + title + ": " + text);
     }
+    std::unique_ptr<NotifyPopup> MakeUpdatePopup() override { return nullptr; }
 
     std::function<void(VardelData&, Vardel&)> whileItRuns;
 

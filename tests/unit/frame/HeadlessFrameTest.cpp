@@ -8,32 +8,12 @@
 #include <thread>
 
 #include "capture/Vardel.h"
+#include "tests/unit/support/RecordingNotices.h"
 #include "tests/unit/support/TestServices.h"
+#include "tests/unit/support/TextStream.h"
 
 namespace vardel {
 namespace {
-
-// A stream whose content can be read back.
-class Stream {
-  public:
-    Stream() : file_(std::tmpfile()) {}
-    ~Stream() {
-        if (file_) std::fclose(file_);
-    }
-    Stream(const Stream&) = delete;
-    Stream& operator=(const Stream&) = delete;
-    std::FILE* File() const { return file_; }
-    std::string Content() {
-        std::string text;
-        std::rewind(file_);
-        for (int character; (character = std::fgetc(file_)) != EOF;)
-            if (character != '\r') text += static_cast<char>(character);
-        return text;
-    }
-
-  private:
-    std::FILE* file_;
-};
 
 struct HeadlessFrameTest : testing::Test {
     HeadlessFrameTest() {
@@ -59,9 +39,10 @@ struct HeadlessFrameTest : testing::Test {
     }
 
     test::TestServices system;
-    Stream output, errors;
+    test::TextStream output, errors;
+    test::RecordingNotices notices;
     EventHandle leave = SystemEvents().Create(nullptr, true, false);
-    HeadlessFrame frame{system.services, leave, output.File(), errors.File()};
+    HeadlessFrame frame{system.services, leave, output.File(), errors.File(), notices};
     Vardel app{system.services, frame};
 };
 
@@ -146,9 +127,16 @@ TEST_F(HeadlessFrameTest, LeavesAtOnceWhenAsked) {
 }
 
 TEST_F(HeadlessFrameTest, IsNotBuiltWithoutAWayToLeave) {
-    HeadlessFrame endless{system.services, nullptr, output.File(), errors.File()};
+    HeadlessFrame endless{system.services, nullptr, output.File(), errors.File(), notices};
     EXPECT_FALSE(endless.CreateApp(app.data, app));
     EXPECT_FALSE(endless.WasBuilt());
+}
+
+TEST_F(HeadlessFrameTest, TheUpdateNoticeIsALine) {
+    const std::unique_ptr<NotifyPopup> popup = frame.MakeUpdatePopup();
+    ShowUpdateNotice(*popup, "New updates are available!");
+    EXPECT_EQ(output.Content(), "Alert: New updates are available!\n");
+    EXPECT_EQ(notices.shown, std::vector<std::string>{"Vardelwatch: New updates are available!"});
 }
 
 TEST_F(HeadlessFrameTest, ErrorsOfTheStartGoToTheErrorStream) {

@@ -1,12 +1,14 @@
 // The flush of the kernel's neighbour table, only ever in a network namespace of the test's own.
 #include <gtest/gtest.h>
 #include <linux/capability.h>
+#include <net/if.h>
 #include <sched.h>
 #include <stdlib.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <iostream>
 #include <string>
@@ -67,6 +69,31 @@ int InOwnNamespace(Act act) {
 }
 
 #define EXPECT_GOOD_IF_GRANTED(result) EXPECT_TRUE((result) == kGood || (result) == kNoNamespace) << (result)
+
+TEST(ArpCachePosix, FlushesTheInterfaceOfTheNumberAlone) {
+    const int result = InOwnNamespace([] {
+        if (!LayOutNetwork()) return 2;
+        if (!Shell("ip link add vardeltest2 type veth peer name vardeltest3") ||
+            !Shell("ip link set vardeltest2 up") || !Shell("ip link set vardeltest3 up") ||
+            !Shell("ip address add 198.51.100.1/24 dev vardeltest2") ||
+            !Shell("ip neighbour add 198.51.100.2 lladdr 02:00:00:00:00:06 nud stale dev vardeltest2"))
+            return 3;
+        const u32 first = if_nametoindex("vardeltest0"), other = if_nametoindex("vardeltest2");
+        if (SystemArpCache().CountInterfaces() < std::max(first, other)) return 4;
+        SystemArpCache().FlushInterface(other);
+        if (CountNeighbours("-4") != 3) return 5;
+        SystemArpCache().FlushInterface(other + 1000);
+        if (CountNeighbours("-4") != 3) return 6;
+        SystemArpCache().FlushInterface(first);
+        return CountNeighbours("-4") == 0 ? kGood : 7;
+    });
+    EXPECT_GOOD_IF_GRANTED(result);
+}
+
+TEST(ArpCachePosix, EveryInterfaceOfTheProgramIsWithinTheCount) {
+    EXPECT_GE(SystemArpCache().CountInterfaces(), if_nametoindex("lo"));
+    EXPECT_GE(SystemArpCache().CountInterfaces(), 1u);
+}
 
 TEST(ArpCachePosix, FlushEmptiesTheTableOfIpv4AndLeavesThatOfIpv6) {
     const int result = InOwnNamespace([] {

@@ -87,7 +87,11 @@ class ScriptedStrings : public StringResources {
 class RecordingArpCache : public ArpCache {
   public:
     void Flush() override { ++flushes; }
+    u32 CountInterfaces() override { return interfaces; }
+    void FlushInterface(u32 index) override { flushedInterfaces.push_back(index); }
     int flushes = 0;
+    u32 interfaces = 0;
+    std::vector<u32> flushedInterfaces;
 };
 
 class ScriptedProcess : public ProcessServices {
