@@ -1,91 +1,121 @@
-// An event is a flag beside an eventfd that is readable while the event is signalled: a wait on a signalled
-// manual-reset event costs one load, any other wait is a poll, which can watch two events at once.
+// An event is a flag, and the list of those who wait for it. A wait on a signalled manual-reset event costs one load,
+// setting and resetting an event that nobody waits for one store each.
 #include "platform/Events.h"
 
-#include <poll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
-
+#include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <memory>
+#include <condition_variable>
 #include <mutex>
+#include <new>
+#include <vector>
 
 namespace vardel {
 
-struct EventObject {
-    int descriptor = -1;
-    bool manualReset = false;
-    std::atomic<bool> signalled{false};
-    std::mutex guard;  // keeps flag and descriptor in step
+namespace {
 
-    void Put(bool value) {
-        std::lock_guard hold(guard);
-        if (signalled.load() == value) return;
-        const u64 one = 1;
-        u64 drained;
-        [[maybe_unused]] const auto done = value ? write(descriptor, &one, sizeof one)
-                                                 : read(descriptor, &drained, sizeof drained);
-        signalled.store(value);
+// One thread's stay in one wait, which may be for two events.
+class Sleeper {
+  public:
+    void Wake() {
+        std::lock_guard hold(guard_);
+        woken_ = true;
+        wake_.notify_one();
     }
-    // True when the event was signalled; an auto-reset event is reset by it.
-    bool TryPass() {
-        if (manualReset) return signalled.load();
-        std::lock_guard hold(guard);
-        if (!signalled.load()) return false;
-        u64 drained;
-        [[maybe_unused]] const auto done = read(descriptor, &drained, sizeof drained);
-        signalled.store(false);
+    // Returns when woken since the last call, or at the deadline with false.
+    bool SleepUntil(std::chrono::steady_clock::time_point deadline) {
+        std::unique_lock hold(guard_);
+        if (!wake_.wait_until(hold, deadline, [this] { return woken_; })) return false;
+        woken_ = false;
         return true;
     }
+
+  private:
+    std::mutex guard_;
+    std::condition_variable wake_;
+    bool woken_ = false;
+};
+
+}  // namespace
+
+struct EventObject {
+    EventObject(bool manual, bool set) : manualReset(manual), signalled(set) {}
+
+    const bool manualReset;
+    std::atomic<bool> signalled;
+    std::atomic<u32> sleeperCount{0};
+    std::mutex guard;
+    std::vector<Sleeper*> sleepers;  // under the guard
+
+    // A sleeper enlists before it looks at the flag, and the flag is set before the count is looked at: one of the
+    // two sees the other.
+    void Set() {
+        signalled = true;
+        if (sleeperCount == 0) return;
+        std::lock_guard hold(guard);
+        for (Sleeper* sleeper : sleepers) sleeper->Wake();
+    }
+    // True when the event was signalled; an auto-reset event is reset by it.
+    bool TryPass() { return manualReset ? signalled.load() : signalled.exchange(false); }
 };
 
 namespace {
 
-using SteadyTime = std::chrono::steady_clock::time_point;
+// A sleeper's place in an event's list.
+class Enlisted {
+  public:
+    Enlisted(EventObject* event, Sleeper& sleeper) : event_(event), sleeper_(&sleeper) {
+        if (!event_) return;
+        std::lock_guard hold(event_->guard);
+        event_->sleepers.push_back(sleeper_);
+        ++event_->sleeperCount;
+    }
+    ~Enlisted() {
+        if (!event_) return;
+        std::lock_guard hold(event_->guard);
+        --event_->sleeperCount;
+        event_->sleepers.erase(std::find(event_->sleepers.begin(), event_->sleepers.end(), sleeper_));
+    }
+    Enlisted(const Enlisted&) = delete;
+    Enlisted& operator=(const Enlisted&) = delete;
 
-int RemainingMs(SteadyTime deadline) {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-    return left.count() > 0 ? static_cast<int>(left.count()) : 0;
-}
+  private:
+    EventObject* const event_;
+    Sleeper* const sleeper_;
+};
 
 class PosixEvents : public Events {
   public:
     EventHandle Create(const char*, bool manualReset, bool signalled) override {
-        auto event = std::make_unique<EventObject>();
-        event->descriptor = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-        if (event->descriptor < 0) return nullptr;
-        event->manualReset = manualReset;
-        event->Put(signalled);
-        return event.release();
+        return new (std::nothrow) EventObject(manualReset, signalled);
     }
-    void Close(EventHandle event) override {
-        if (!event) return;
-        close(event->descriptor);
-        delete event;
-    }
+    void Close(EventHandle event) override { delete event; }
     bool Set(EventHandle event) override {
-        if (event) event->Put(true);
+        if (event) event->Set();
         return event != nullptr;
     }
     bool Reset(EventHandle event) override {
-        if (event) event->Put(false);
+        if (event) event->signalled = false;
         return event != nullptr;
     }
     WaitResult Wait(EventHandle event, u32 timeoutMs) override { return WaitEither(event, nullptr, timeoutMs); }
 
     WaitResult WaitEither(EventHandle first, EventHandle second, u32 timeoutMs) override {
         if (!first && !second) return WaitResult::Failed;
-        if ((first && first->TryPass()) || (second && second->TryPass())) return WaitResult::Signalled;
-        const SteadyTime deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
-        // A negative descriptor is left out by poll.
-        pollfd watched[] = {{first ? first->descriptor : -1, POLLIN, 0}, {second ? second->descriptor : -1, POLLIN, 0}};
-        for (;;) {
-            const int remaining = RemainingMs(deadline);
-            poll(watched, 2, remaining);
-            if ((first && first->TryPass()) || (second && second->TryPass())) return WaitResult::Signalled;
-            if (remaining == 0) return WaitResult::TimedOut;
-        }
+        if (Pass(first, second)) return WaitResult::Signalled;
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+        Sleeper sleeper;
+        const Enlisted inFirst(first, sleeper);
+        const Enlisted inSecond(second == first ? nullptr : second, sleeper);
+        do {
+            if (Pass(first, second)) return WaitResult::Signalled;
+        } while (sleeper.SleepUntil(deadline));
+        return Pass(first, second) ? WaitResult::Signalled : WaitResult::TimedOut;
+    }
+
+  private:
+    static bool Pass(EventObject* first, EventObject* second) {
+        return (first && first->TryPass()) || (second && second->TryPass());
     }
 };
 
