@@ -70,7 +70,7 @@ u32 VardelARPImpl::PacketReceived(const pcap_pkthdr* header, const u8* frame, Va
     const TcString::Words address = FormatIpAddress(ip);
     ipText.SetWords(address);
 
-    const HashedKey key(ipText, address.HashNum());
+    const HashedKey key(ipText, address.WideHash());
     try {
         if (!RefreshIfKnown(key, seconds, *data)) AddNewHost(key, seconds, *data);
     } catch (const std::bad_alloc&) {

@@ -14,8 +14,8 @@
 // `static const TcString& Of(const V&)`). FindRecord then looks at the record alone and leaves the entry aside, which
 // with many records is one wait for memory less.
 //
-// The hash is TcString::GetHashNum, multiplied by a secret of the process, so that nobody can aim keys at one
-// place of the table. Writers are serialised by a mutex.
+// The hash is that of TcString::GetHashNum before it is folded to 32 bits, multiplied by a secret of the process, so
+// that nobody can aim keys at one place of the table. Writers are serialised by a mutex.
 #pragma once
 
 #include <atomic>
@@ -35,10 +35,9 @@ enum class Ownership { OwnsValues, BorrowsValues };
 
 // A key with its place already worked out, for several look-ups of one text.
 struct HashedKey {
-    explicit HashedKey(const TcString& text) : HashedKey(text, text.GetHashNum()) {}
-    // Where the text's hash number is known already.
-    HashedKey(const TcString& text, int hashNumber)
-        : key(text), mixed((static_cast<u64>(static_cast<u32>(hashNumber)) + 1) * ProcessSecret()) {}
+    explicit HashedKey(const TcString& text) : HashedKey(text, text.GetWideHash()) {}
+    // Where the text's hash is known already.
+    HashedKey(const TcString& text, u64 wideHash) : key(text), mixed((wideHash + 1) * ProcessSecret()) {}
     const TcString& key;
     u64 mixed;
 };

@@ -26,12 +26,12 @@ u64 LoadLittleEndian(const char* bytes, std::size_t count) {
     return value;
 }
 
-int HashBytes(const char* bytes, std::size_t length) {
+u64 HashBytes(const char* bytes, std::size_t length) {
     u64 state = detail::kHashStart ^ length;
     std::size_t at = 0;
     for (; length - at >= 8; at += 8) state = detail::HashStep(state, LoadLittleEndian(bytes + at, 8));
     if (at < length) state = detail::HashStep(state, LoadLittleEndian(bytes + at, length - at));
-    return detail::FinishHash(state);
+    return state;
 }
 
 }  // namespace
@@ -183,7 +183,9 @@ int TcString::Compare(const char* text) const { return *this == text ? 0 : 1; }
 
 int TcString::Compare(const TcString& other) const { return *this == other ? 0 : 1; }
 
-int TcString::GetHashNum() const {
+int TcString::GetHashNum() const { return detail::FinishHash(GetWideHash()); }
+
+u64 TcString::GetWideHash() const {
     InlineCopy copy;
     if (!TryCopyInline(copy)) {
         const TcString own(*this);
@@ -192,7 +194,7 @@ int TcString::GetHashNum() const {
     Words words;
     std::memcpy(words.words, copy.words, sizeof words.words);
     words.length = copy.size;
-    return words.HashNum();
+    return words.WideHash();
 }
 
 // ---- operations on a text that the calling thread owns ----

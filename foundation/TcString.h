@@ -83,12 +83,15 @@ class TcString {
 
     // The same number for the same characters in every build and on every run; consecutive addresses spread.
     int GetHashNum() const;
+    // The 64 bits that GetHashNum is folded from.
+    u64 GetWideHash() const;
 
     // A short text that was put together in registers: its characters lowest first, zero behind the end.
     struct Words {
         u64 words[3];
         u32 length;  // at most kInlineCapacity
         int HashNum() const;
+        u64 WideHash() const;
     };
     // Replaces a text that the calling thread owns.
     void SetWords(const Words& text) {
@@ -180,11 +183,13 @@ inline int FinishHash(u64 state) {
 
 }  // namespace detail
 
-inline int TcString::Words::HashNum() const {
+inline u64 TcString::Words::WideHash() const {
     u64 state = detail::kHashStart ^ length;
     for (u32 at = 0; at * 8 < length; ++at) state = detail::HashStep(state, words[at]);
-    return detail::FinishHash(state);
+    return state;
 }
+
+inline int TcString::Words::HashNum() const { return detail::FinishHash(WideHash()); }
 
 // True when both texts lie inside their objects and are equal. Takes no lock: a look that a writer disturbed gives
 // false, and the caller then goes the long way. The loads are acquiring so that none can slip behind the second
