@@ -64,7 +64,8 @@ void MacChanges(benchmark::State& state) {
     FrameBlock block = ArpFramesOf(hosts, kRoundFrames);
     VardelARPImpl handler;
     FeedAll(handler, block, lan.data);
-    for (u32 i = 0; i < block.Count(); ++i) WriteArpFrame(block.Frame(i), hosts[i % hosts.size()], 0x10000 + i);
+    for (u32 i = 0; i < block.Count(); ++i)
+        WriteArpFrame(block.Frame(i), hosts[i % hosts.size()], 0x10000 + i);
     for (auto _ : state)
         for (u32 i = 0; i < block.Count(); ++i) {
             handler.PacketReceived(block.Header(i), block.Frame(i), &lan.data);
@@ -77,7 +78,8 @@ void MacChanges(benchmark::State& state) {
 }
 BENCHMARK(MacChanges);
 
-// Each frame is the first of its host: record, names (none), vendor, event, lists. The resolver fails at once.
+// Each frame is the first of its host: record, names (none), vendor, event, lists. The resolver fails at
+// once.
 void NewHosts(benchmark::State& state) {
     FrameBlock block = ArpFramesOf(SpreadAddresses(10'000), 10'000);
     for (auto _ : state) {

@@ -20,7 +20,8 @@ inline std::vector<Address> ConsecutiveAddresses(u32 count) {
     return addresses;
 }
 
-// `count` different addresses in no order and with no neighbours: an odd factor makes a permutation of all addresses.
+// `count` different addresses in no order and with no neighbours: an odd factor makes a permutation of all
+// addresses.
 inline std::vector<Address> SpreadAddresses(u32 count) {
     std::vector<Address> addresses(count);
     for (u32 i = 0; i < count; ++i) addresses[i] = (i + 1) * 2654435761u;
@@ -40,7 +41,8 @@ inline void WriteMac(u8* bytes, u32 number) {
 
 // A 60-byte ARP request of `sender` at the MAC of `mac`.
 inline void WriteArpFrame(u8* frame, Address sender, u32 mac) {
-    static constexpr u8 kHead[] = {0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0, 0, 0, 0, 0, 0, 8, 6, 0, 1, 8, 0, 6, 4, 0, 1};
+    static constexpr u8 kHead[] = {0xff, 0xff, 0xff, 0xff, 0xff, 0xff, 0, 0, 0, 0, 0,
+                                   0,    8,    6,    0,    1,    8,    0, 6, 4, 0, 1};
     std::memset(frame, 0, kFrameSize);
     std::memcpy(frame, kHead, sizeof kHead);
     WriteMac(frame + 6, mac);

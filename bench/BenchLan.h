@@ -1,5 +1,5 @@
-// What the benchmarks share: frames held in one block of memory, as a capture library's buffer holds them, and the
-// shared state that the handlers fill, with the system's real events behind its fences.
+// What the benchmarks share: frames held in one block of memory, as a capture library's buffer holds them,
+// and the shared state that the handlers fill, with the system's real events behind its fences.
 #pragma once
 
 #include <random>
@@ -14,7 +14,8 @@
 namespace vardel::bench {
 
 constexpr i64 kStartSecond = 1'700'000'000;
-constexpr u32 kFramesPerSecond = 100'000;  // of the frames' own time, so that most share their second with the last
+constexpr u32 kFramesPerSecond =
+    100'000;  // of the frames' own time, so that most share their second with the last
 
 inline std::string AddressText(Address address) {
     u8 octets[4];
@@ -42,8 +43,8 @@ class FrameBlock {
     std::vector<pcap_pkthdr> headers_;
 };
 
-// One frame of each of `addresses`, then frames of hosts drawn at random, each host with a MAC of its own. Traffic
-// follows no order that a processor could foretell.
+// One frame of each of `addresses`, then frames of hosts drawn at random, each host with a MAC of its own.
+// Traffic follows no order that a processor could foretell.
 inline FrameBlock ArpFramesOf(const std::vector<Address>& addresses, u32 count) {
     FrameBlock block(count, kFrameSize);
     const u32 hosts = static_cast<u32>(addresses.size());

@@ -20,7 +20,8 @@ void NowhereFrames(benchmark::State& state) {
     BenchLan lan;
     FrameBlock block(20'000, kFrameSize);
     for (u32 i = 0; i < block.Count(); ++i)
-        WriteIpFrame(block.Frame(i), kFrameSize, i % 2 ? kTcp : kUdp, 0x0a000001u + i % 1000, 40000, i % 2 ? 443 : 53);
+        WriteIpFrame(block.Frame(i), kFrameSize, i % 2 ? kTcp : kUdp, 0x0a000001u + i % 1000, 40000,
+                     i % 2 ? 443 : 53);
     VardelIPImpl handler;
     for (auto _ : state) FeedAll(handler, block, lan.data);
     state.SetItemsProcessed(static_cast<i64>(state.iterations()) * block.Count());
@@ -30,12 +31,14 @@ BENCHMARK(NowhereFrames);
 // Purges like an open syslog view, only much more often.
 class PurgingView {
   public:
-    explicit PurgingView(VardelData& data) : thread_([this, &data] {
-        while (!stop_) {
-            data.syslogs.ForEach([this](const TcString&, SyslogSourceList* list) { purged_ += list->PurgeExpired(); });
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-    }) {}
+    explicit PurgingView(VardelData& data)
+        : thread_([this, &data] {
+              while (!stop_) {
+                  data.syslogs.ForEach(
+                      [this](const TcString&, SyslogSourceList* list) { purged_ += list->PurgeExpired(); });
+                  std::this_thread::sleep_for(std::chrono::milliseconds(10));
+              }
+          }) {}
     ~PurgingView() { Stop(); }
     std::size_t Stop() {
         stop_ = true;
@@ -49,8 +52,8 @@ class PurgingView {
     std::thread thread_;
 };
 
-// 10 million messages of 100 sources with a limit of 100 messages each, while a view purges. `KB_in_use` is what the
-// heap holds at the end beyond what it held after the first round.
+// 10 million messages of 100 sources with a limit of 100 messages each, while a view purges. `KB_in_use` is
+// what the heap holds at the end beyond what it held after the first round.
 void SyslogWithPurge(benchmark::State& state) {
     constexpr u32 kSources = 100, kSize = 110;
     BenchLan lan;
@@ -70,7 +73,8 @@ void SyslogWithPurge(benchmark::State& state) {
         if (inUseAtFirst == 0) inUseAtFirst = mallinfo2().uordblks;
     }
     purged = view.Stop();
-    lan.data.syslogs.ForEach([&](const TcString&, SyslogSourceList* list) { records += list->RecordCount(); });
+    lan.data.syslogs.ForEach(
+        [&](const TcString&, SyslogSourceList* list) { records += list->RecordCount(); });
     state.counters["messages"] = static_cast<double>(handler.packetCount);
     state.counters["purged"] = static_cast<double>(purged);
     state.counters["kept"] = static_cast<double>(records);

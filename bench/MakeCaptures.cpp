@@ -10,8 +10,8 @@
 #include <thread>
 
 #include "bench/BenchFrames.h"
-#include "foundation/TcString.h"
 #include "capture/AddressText.h"
+#include "foundation/TcString.h"
 
 namespace vardel::bench {
 namespace {
@@ -54,7 +54,8 @@ class Savefile {
         file_.Put(header, sizeof header);
     }
     void Put(const u8* frame, u32 size) {
-        const u32 header[] = {kStartSecond + count_ / kFramesPerSecond, count_ % kFramesPerSecond * 10, size, size};
+        const u32 header[] = {kStartSecond + count_ / kFramesPerSecond, count_ % kFramesPerSecond * 10, size,
+                              size};
         file_.Put(header, sizeof header);
         file_.Put(frame, size);
         ++count_;
@@ -67,7 +68,8 @@ class Savefile {
 
 // First each host once, so that all are known; then hosts in the order that `next` tells.
 template <class NextHost>
-void WriteArpCapture(const std::string& path, const std::vector<Address>& hosts, u32 frames, NextHost&& next) {
+void WriteArpCapture(const std::string& path, const std::vector<Address>& hosts, u32 frames,
+                     NextHost&& next) {
     Savefile out(path);
     u8 frame[kFrameSize];
     for (u32 i = 0; i < frames; ++i) {
@@ -97,7 +99,8 @@ void WriteNowhere(const std::string& path, u32 frames) {
     Savefile out(path);
     u8 frame[kFrameSize];
     for (u32 i = 0; i < frames; ++i) {
-        WriteIpFrame(frame, sizeof frame, i % 2 ? kTcp : kUdp, 0x0a000001u + i % kFewHosts, 40000, i % 2 ? 443 : 53);
+        WriteIpFrame(frame, sizeof frame, i % 2 ? kTcp : kUdp, 0x0a000001u + i % kFewHosts, 40000,
+                     i % 2 ? 443 : 53);
         out.Put(frame, sizeof frame);
     }
 }
@@ -107,23 +110,25 @@ void WriteSyslog(const std::string& path, u32 sources, u32 frames) {
     u8 frame[256];
     for (u32 i = 0; i < frames; ++i) {
         char text[128];
-        const int length = std::snprintf(text, sizeof text, "<%u>Nov 14 22:13:20 gateway kernel: message %u of the run",
-                                         i % 192, i);
+        const int length = std::snprintf(
+            text, sizeof text, "<%u>Nov 14 22:13:20 gateway kernel: message %u of the run", i % 192, i);
         const u32 size = std::max(kFrameSize, 42 + static_cast<u32>(length));
-        WriteIpFrame(frame, size, kUdp, 0x0a000001u + i % sources, 514, 514, {text, static_cast<std::size_t>(length)});
+        WriteIpFrame(frame, size, kUdp, 0x0a000001u + i % sources, 514, 514,
+                     {text, static_cast<std::size_t>(length)});
         out.Put(frame, size);
     }
 }
 
-// Addresses whose hash numbers share their low 16 bits: a table that took its buckets from them would have one.
+// Addresses whose hash numbers share their low 16 bits: a table that took its buckets from them would have
+// one.
 std::vector<Address> CollidingAddresses(u32 count) {
     const u32 threads = std::max(1u, std::thread::hardware_concurrency());
     std::vector<std::vector<Address>> found(threads);
     std::vector<std::thread> workers;
     for (u32 worker = 0; worker < threads; ++worker)
         workers.emplace_back([&, worker] {
-            // 1.0.0.0 to 223.255.255.255, each worker its share.
-            for (u64 address = 0x01000000u + worker; address < 0xe0000000u; address += threads) {
+            // Of all there are, each worker its share.
+            for (u64 address = 1 + worker; address <= 0xffffffffu; address += threads) {
                 u8 octets[4];
                 WriteAddress(octets, static_cast<Address>(address));
                 if ((FormatIpAddress(octets).HashNum() & 0xffff) == 0)
@@ -147,8 +152,8 @@ std::string SettingsText(const std::string& values, const std::vector<Address>& 
         u8 octets[4];
         WriteAddress(octets, trusted[i]);
         u8 record[kRecordSize] = {};
-        std::snprintf(reinterpret_cast<char*>(record) + kIpAt, 16, "%u.%u.%u.%u", octets[0], octets[1], octets[2],
-                      octets[3]);
+        std::snprintf(reinterpret_cast<char*>(record) + kIpAt, 16, "%u.%u.%u.%u", octets[0], octets[1],
+                      octets[2], octets[3]);
         text += "\"Host" + std::to_string(i) + "\"=hex:";
         for (std::size_t at = 0; at < kRecordSize; ++at) {
             char digits[4];
