@@ -1,5 +1,5 @@
-// Feeder: hands the frames of batches to the two packet handlers, as the capture thread does, and takes the time
-// that the handlers need.
+// Feeder: hands the frames of batches to the two packet handlers, as the capture thread does, and takes the
+// time that the handlers need.
 #pragma once
 
 #include <chrono>

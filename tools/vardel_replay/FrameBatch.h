@@ -1,7 +1,8 @@
 // FrameBatch: a run of frames from a savefile, copied out of the capture library's buffer.
 //
-// Frames that the capture filter lets pass are kept with their position among all frames read, so that whoever
-// counts frames counts the others too. Used by one thread at a time; a batch that was cleared keeps its memory.
+// Frames that the capture filter lets pass are kept with their position among all frames read, so that
+// whoever counts frames counts the others too. Used by one thread at a time; a batch that was cleared keeps
+// its memory.
 #pragma once
 
 #include <algorithm>
@@ -20,8 +21,9 @@ class FrameBatch {
         u32 position;  // among the frames read in this batch, from 0
     };
 
-    // Room enough that handing a batch from thread to thread costs nothing beside the work on its frames.
-    static constexpr u32 kMaxFrames = 2048;
+    // Few enough to stay in a processor's own cache, enough that handing a batch over costs nothing beside
+    // its frames.
+    static constexpr u32 kMaxFrames = 512;
     static constexpr std::size_t kMaxBytes = 1u << 20;
 
     bool IsFull() const { return read_ >= kMaxFrames || bytes_.size() >= kMaxBytes; }
@@ -40,8 +42,9 @@ class FrameBatch {
 
     // The index of the first kept frame at `position` or behind it.
     std::size_t IndexFrom(u32 position) const {
-        const auto at = std::lower_bound(frames_.begin(), frames_.end(), position,
-                                         [](const Frame& frame, u32 wanted) { return frame.position < wanted; });
+        const auto at =
+            std::lower_bound(frames_.begin(), frames_.end(), position,
+                             [](const Frame& frame, u32 wanted) { return frame.position < wanted; });
         return static_cast<std::size_t>(at - frames_.begin());
     }
 

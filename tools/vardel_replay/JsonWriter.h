@@ -1,7 +1,7 @@
 // JsonWriter: builds one JSON document in memory, member by member.
 //
-// Texts are taken as bytes of the system code page: a byte of 0x80 and up becomes \u00XX, so the document is plain
-// ASCII and every byte can be told from it.
+// Texts are taken as bytes of the system code page: a byte of 0x80 and up becomes \u00XX, so the document is
+// plain ASCII and every byte can be told from it.
 #pragma once
 
 #include <string>

@@ -6,7 +6,8 @@
 namespace vardel::replay {
 
 const char kUsage[] =
-    "usage: vardel-replay [--settings FILE.reg] [--vendors FILE] [--local IP[=MAC]]... [--resolve] [--fetch]\n"
+    "usage: vardel-replay [--settings FILE.reg] [--vendors FILE] [--local IP[=MAC]]... [--resolve] "
+    "[--fetch]\n"
     "                     [--drain] [--repeat N] [--quiet] CAPTURE...\n";
 
 namespace {
@@ -72,7 +73,7 @@ bool TakeRepeat(const std::string& value, Options& options) {
 
 struct Flag {
     const char* name;
-    bool Options::* field;
+    bool Options::*field;
 };
 constexpr Flag kFlags[] = {
     {"--resolve", &Options::resolve},

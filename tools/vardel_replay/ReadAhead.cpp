@@ -31,8 +31,10 @@ void ReadAhead::ReadAll() {
         const bool more = savefiles_.Read(*batch);
         {
             std::lock_guard hold(guard_);
-            if (more) filled_.push_back(batch);
-            else atEnd_ = true;
+            if (more)
+                filled_.push_back(batch);
+            else
+                atEnd_ = true;
         }
         changed_.notify_all();
         if (!more) return;

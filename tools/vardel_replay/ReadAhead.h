@@ -1,8 +1,8 @@
-// ReadAhead: reads savefiles on a thread of its own, some batches ahead of the thread that works on the frames, so
-// that reading costs that thread nothing.
+// ReadAhead: reads savefiles on a thread of its own, some batches ahead of the thread that works on the
+// frames, so that reading costs that thread nothing.
 //
-// Made, used and destroyed by the working thread. The number of batches is fixed, so memory stays flat however long
-// the savefiles are.
+// Made, used and destroyed by the working thread. The number of batches is fixed, so memory stays flat
+// however long the savefiles are.
 #pragma once
 
 #include <array>
@@ -27,7 +27,7 @@ class ReadAhead {
     void GiveBack(const FrameBatch* batch);
 
   private:
-    static constexpr std::size_t kBatches = 4;
+    static constexpr std::size_t kBatches = 8;
 
     void ReadAll();
     FrameBatch* TakeEmpty();
@@ -38,9 +38,9 @@ class ReadAhead {
     std::condition_variable changed_;
     std::deque<FrameBatch*> empty_;
     std::deque<FrameBatch*> filled_;
-    bool atEnd_ = false;    // nothing more will be filled
+    bool atEnd_ = false;      // nothing more will be filled
     bool abandoned_ = false;  // nobody takes batches any more
-    std::thread reader_;    // last: it starts when all else stands
+    std::thread reader_;      // last: it starts when all else stands
 };
 
 }  // namespace vardel::replay

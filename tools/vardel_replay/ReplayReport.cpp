@@ -15,7 +15,7 @@ namespace {
 // In the order of the record; numbers and texts are told apart by which of the two members is set.
 struct HostField {
     const char* name;
-    TcString HostRecord::* text;
+    TcString HostRecord::*text;
     i64 (*number)(const HostRecord& host);
 };
 
@@ -24,7 +24,9 @@ i64 NumberOf(const HostRecord& host) {
     return static_cast<i64>((host.*field).Get());
 }
 
-constexpr HostField Text(const char* name, TcString HostRecord::* field) { return {name, field, nullptr}; }
+constexpr HostField Text(const char* name, TcString HostRecord::*field) {
+    return {name, field, nullptr};
+}
 template <auto field>
 constexpr HostField Number(const char* name) {
     return {name, nullptr, NumberOf<field>};
@@ -131,8 +133,10 @@ class Report {
             json_.BreakLine();
             json_.BeginObject();
             for (const HostField& field : kHostFields) {
-                if (field.text) Member(field.name, host->*(field.text));
-                else Member(field.name, field.number(*host));
+                if (field.text)
+                    Member(field.name, host->*(field.text));
+                else
+                    Member(field.name, field.number(*host));
             }
             json_.EndObject();
         }

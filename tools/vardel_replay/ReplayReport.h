@@ -8,8 +8,8 @@
 
 namespace vardel::replay {
 
-// `data` and the event map are read while no other thread works on them. With `quiet` only the frame counts and the
-// handlers' time are told.
+// `data` and the event map are read while no other thread works on them. With `quiet` only the frame counts
+// and the handlers' time are told.
 std::string FormReport(const VardelData& data, const FrameCounts& counts, double handlerSeconds, bool quiet);
 
 }  // namespace vardel::replay

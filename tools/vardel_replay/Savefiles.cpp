@@ -43,8 +43,10 @@ OpenResult Savefiles::OpenOne(const std::string& name, std::string& message) {
 // The filter runs here and not inside the library, which would not tell of the frames that it refuses.
 void Savefiles::TakeFrame(u_char* sink, const ::pcap_pkthdr* header, const u_char* bytes) {
     const Sink& to = *reinterpret_cast<Sink*>(sink);
-    if (pcap_offline_filter(to.filter, header, bytes) == 0) to.batch->Skip();
-    else to.batch->Keep({{header->ts.tv_sec, header->ts.tv_usec}, header->caplen, header->len}, bytes);
+    if (pcap_offline_filter(to.filter, header, bytes) == 0)
+        to.batch->Skip();
+    else
+        to.batch->Keep({{header->ts.tv_sec, header->ts.tv_usec}, header->caplen, header->len}, bytes);
     if (to.batch->IsFull()) pcap_breakloop(to.handle);
 }
 

@@ -1,5 +1,5 @@
-// vardel-replay: feeds savefiles to the program's packet handlers and prints what they made of them as one JSON
-// document. What it reads, prints and exits with is told in docs/vardel-replay.md.
+// vardel-replay: feeds savefiles to the program's packet handlers and prints what they made of them as one
+// JSON document. What it reads, prints and exits with is told in docs/vardel-replay.md.
 #include <cstdio>
 
 #include "tools/vardel_replay/Feeder.h"
@@ -14,7 +14,9 @@ namespace {
 
 enum ExitCode { kSuccess = 0, kUnreadable = 1, kWrongUse = 2 };
 
-void Complain(const std::string& message) { std::fprintf(stderr, "vardel-replay: %s\n", message.c_str()); }
+void Complain(const std::string& message) {
+    std::fprintf(stderr, "vardel-replay: %s\n", message.c_str());
+}
 
 // Frames go from file to handler, with a few batches in memory at a time.
 void FeedOnce(Savefiles& savefiles, Feeder& feeder) {
@@ -53,8 +55,10 @@ int Replay(const Options& options) {
     }
 
     Feeder feeder(state.Data(), options.drain);
-    if (options.repeat == 0) FeedOnce(savefiles, feeder);
-    else FeedRepeatedly(savefiles, feeder, options.repeat);
+    if (options.repeat == 0)
+        FeedOnce(savefiles, feeder);
+    else
+        FeedRepeatedly(savefiles, feeder, options.repeat);
 
     for (const std::string& tear : savefiles.Tears()) Complain(tear);
     if (!Print(FormReport(state.Data(), feeder.Counts(), feeder.HandlerSeconds(), options.quiet))) {
