@@ -16,7 +16,11 @@ SlabPool& HostPool() {
 
 }  // namespace
 
-void* HostRecord::operator new(std::size_t) { return HostPool().Take(); }
-void HostRecord::operator delete(void* record) noexcept { HostPool().Give(record); }
+void* HostRecord::operator new(std::size_t) {
+    return HostPool().Take();
+}
+void HostRecord::operator delete(void* record) noexcept {
+    HostPool().Give(record);
+}
 
 }  // namespace vardel

@@ -1,4 +1,5 @@
-// LargeBlock: one block of zeroed memory for a table or for many records, in large pages where it is big enough.
+// LargeBlock: one block of zeroed memory for a table or for many records, in large pages where it is big
+// enough.
 //
 // Owned by whoever made it; knows no threads.
 #pragma once
@@ -16,7 +17,8 @@ class LargeBlock {
 
     // Aligned to a cache line at least. Throws std::bad_alloc.
     explicit LargeBlock(std::size_t size)
-        : alignment_{size % kLargePage == 0 ? kLargePage : kCacheLine}, memory_(::operator new(size, alignment_)) {
+        : alignment_{size % kLargePage == 0 ? kLargePage : kCacheLine},
+          memory_(::operator new(size, alignment_)) {
         if (size % kLargePage == 0) PreferLargePages(memory_, size);
         std::memset(memory_, 0, size);
     }

@@ -18,7 +18,7 @@ constexpr bool kPlainHeap = false;
 }  // namespace
 
 void* SlabPool::Take() {
-    if (kPlainHeap) return ::operator new(pieceSize_, std::align_val_t{LargeBlock::kCacheLine});
+    if (kPlainHeap) return ::operator new (pieceSize_, std::align_val_t{LargeBlock::kCacheLine});
     std::lock_guard hold(guard_);
     if (FreePiece* piece = free_) {
         free_ = piece->next;
@@ -34,7 +34,7 @@ void* SlabPool::Take() {
 void SlabPool::Give(void* piece) noexcept {
     if (!piece) return;
     if (kPlainHeap) {
-        ::operator delete(piece, std::align_val_t{LargeBlock::kCacheLine});
+        ::operator delete (piece, std::align_val_t{LargeBlock::kCacheLine});
         return;
     }
     std::lock_guard hold(guard_);

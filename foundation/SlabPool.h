@@ -1,8 +1,9 @@
 // SlabPool: equally large pieces of memory that lie close together, for records of which there can be tens of
 // thousands and that are met in no order.
 //
-// Any thread may take and give. The memory stays with the pool, which is made to last as long as the process. Builds
-// with a sanitizer define VARDEL_PLAIN_HEAP: there each piece is an allocation of its own, which it can watch.
+// Any thread may take and give. The memory stays with the pool, which is made to last as long as the process.
+// Builds with a sanitizer define VARDEL_PLAIN_HEAP: there each piece is an allocation of its own, which it
+// can watch.
 #pragma once
 
 #include <mutex>

@@ -4,6 +4,8 @@
 
 namespace vardel {
 
-void PreferLargePages(void* memory, std::size_t size) { madvise(memory, size, MADV_HUGEPAGE); }
+void PreferLargePages(void* memory, std::size_t size) {
+    madvise(memory, size, MADV_HUGEPAGE);
+}
 
 }  // namespace vardel
