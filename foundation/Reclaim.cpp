@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/ThreadBarrier.h"
+
 namespace vardel {
 
 using detail::ReaderSlot;
@@ -35,6 +37,7 @@ ReaderSlot* TakeSlot() {
         if (slot->taken.compare_exchange_strong(free, true)) return slot;
     }
     ReaderSlot* slot = new ReaderSlot;
+    slot->fenced = !PrepareThreadBarrier();
     slot->next = registry.slots.load();
     while (!registry.slots.compare_exchange_weak(slot->next, slot)) {
     }
@@ -51,6 +54,7 @@ struct SlotHolder {
 };
 
 u64 OldestPinnedEpoch() {
+    if (PrepareThreadBarrier()) PutThreadBarrier();
     u64 oldest = ~u64{0};
     for (ReaderSlot* slot = TheRegistry().slots.load(); slot; slot = slot->next) {
         const u64 epoch = slot->pinnedEpoch.load();

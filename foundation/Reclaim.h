@@ -1,8 +1,9 @@
 // Safe freeing of what other threads may still be looking at, without any lock for those who look.
 //
 // A reader holds a ReadPin while it follows pointers inside a shared container. Whoever takes something out of a
-// container retires it: it is freed once every thread that held a pin at that moment has let go of it. Pins nest
-// and cost one locked instruction when outermost; a pin held for long only delays freeing.
+// container retires it: it is freed once every thread that held a pin at that moment has let go of it. Pins nest;
+// an outermost one costs two stores, and a locked instruction where the system can't put a barrier into all threads
+// (ThreadBarrier.h). A pin held for long only delays freeing.
 //
 // Source of the scheme: K. Fraser, "Practical lock-freedom" (2004), section 5.2.3, epoch-based reclamation.
 #pragma once
@@ -19,7 +20,8 @@ namespace detail {
 struct alignas(64) ReaderSlot {
     std::atomic<u64> pinnedEpoch{0};  // 0: not inside
     std::atomic<bool> taken{true};
-    u32 depth = 0;  // of the owning thread alone
+    bool fenced = true;  // the pins carry the barrier; else whoever frees puts one into all threads
+    u32 depth = 0;       // of the owning thread alone
     ReaderSlot* next = nullptr;
 };
 
@@ -32,7 +34,7 @@ ReaderSlot* TakeSlotForThread();
 class ReadPin {
   public:
     ReadPin() : slot_(detail::slotOfThread ? *detail::slotOfThread : *detail::TakeSlotForThread()) {
-        if (slot_.depth++ == 0) slot_.pinnedEpoch.store(detail::reclaimEpoch.load());
+        if (slot_.depth++ == 0) Enter();
     }
     ~ReadPin() {
         if (--slot_.depth == 0) slot_.pinnedEpoch.store(0, std::memory_order_release);
@@ -41,6 +43,18 @@ class ReadPin {
     ReadPin& operator=(const ReadPin&) = delete;
 
   private:
+    // The pin must be seen by whoever frees before this thread looks at anything: its store is followed by a barrier,
+    // or, where only the compiler is kept from moving the looks, by the one that the freeing thread puts in.
+    void Enter() {
+        const u64 epoch = detail::reclaimEpoch.load();
+        if (slot_.fenced) {
+            slot_.pinnedEpoch.store(epoch);
+        } else {
+            slot_.pinnedEpoch.store(epoch, std::memory_order_relaxed);
+            std::atomic_signal_fence(std::memory_order_seq_cst);
+        }
+    }
+
     detail::ReaderSlot& slot_;
 };
 
