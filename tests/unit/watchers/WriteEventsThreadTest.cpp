@@ -220,10 +220,12 @@ TEST_F(EventWriter, StartWithoutAThreadIsFalse) {
 TEST_F(EventWriter, NoPassFollowsTheStopByte) {
     MakeGuard();
     Post("a");
+    insideBatch.Arm();
     ASSERT_TRUE(app.StartEventLogWrite());
-    ASSERT_TRUE(Written(1));
+    ASSERT_TRUE(insideBatch.AwaitHeld());
     RequestStop(params, events);
-    Post("b");
+    insideBatch.Open();
+    Post("b");  // comes in when the batch is done
     ASSERT_TRUE(AwaitEnd());
     EXPECT_EQ(Texts(), (List{"a"}));
 }
