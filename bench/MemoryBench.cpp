@@ -23,6 +23,7 @@ class NamingResolver : public Resolver {
         return true;
     }
     bool HostByAddress(u32, std::string&) override { return false; }
+    bool HostByName(const char*, u32&) override { return false; }
 };
 
 double ResidentBytes() {

@@ -5,6 +5,7 @@
 // written by any thread: texts are indivisible, flags and numbers single-word atomics.
 #pragma once
 
+#include "capture/NetShare.h"
 #include "foundation/Shared.h"
 #include "foundation/TcString.h"
 
@@ -50,6 +51,7 @@ struct alignas(64) HostRecord {
     Shared<i32> wmiStatus = 999;
     Shared<OsClass> osClass = OsClass::Unknown;
     TcString os;
+    HostShares shares;  // by the hash number of their names; they live as long as the record
     TcString displayName;
     TcString friendlyName;
     TcString presentationUrl;

@@ -90,21 +90,6 @@ struct RemoteAccess {
     Shared<i32> previousActiveTime;  // activeTime before its last update
 };
 
-// A share that another host offers. Made by the network resource scan, owned by its host's record and never taken out;
-// nothing in it changes once others know it.
-struct NetShare {
-    TcString hostName;
-    TcString ip;
-    TcString unused;  // always empty; plugins get it as a field of its own
-    TcString name;
-    i32 type = 0;  // 1 disk, 2 special disk, 3 print queue, 4 interprocess communication, 5 device, 0 anything else
-    u32 currentUses = 0;
-    u32 maxUses = 0;
-    u32 permissions = 0;
-    TcString path;
-    TcString remark;
-};
-
 struct SpoofWaiting {
     static u32* Waiting(HostRecord* host) { return &host->waitingSpoofs; }
 };
@@ -126,7 +111,7 @@ using WmiWorkList = SharedList<WmiWorkItem*>;
 using NetResWorkList = SharedList<HostRecord*, NetResWaiting>;
 using SyslogNotifyList = SharedList<SyslogRecord*>;
 using ShareAccessList = SharedList<RemoteAccess*>;
-using NewShareList = SharedList<NetShare*>;
+using NewShareList = SharedList<NetShare*>;  // the records belong to their hosts
 using RemoteAccessMap = SharedOrderedMap<RemoteAccess, Ownership::OwnsValues>;  // key: hash of computer, share and user
 
 }  // namespace vardel

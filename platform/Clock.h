@@ -9,6 +9,8 @@ class Clock {
   public:
     virtual ~Clock() = default;
     virtual i64 Now() = 0;
+    // Milliseconds of a clock that never goes back, modulo 2^32 (some 49 days); on Windows since the system started.
+    virtual u32 TickCount() = 0;
 };
 
 Clock& SystemClock();

@@ -14,6 +14,10 @@ class SystemTime : public Clock {
         using namespace std::chrono;
         return duration_cast<seconds>(system_clock::now().time_since_epoch()).count();
     }
+    u32 TickCount() override {
+        using namespace std::chrono;
+        return static_cast<u32>(duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
+    }
 };
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <ctime>
 
+#include "platform/WindowsApi.h"
+
 namespace vardel {
 
 namespace {
@@ -14,6 +16,7 @@ class SystemTime : public Clock {
         using namespace std::chrono;
         return duration_cast<seconds>(system_clock::now().time_since_epoch()).count();
     }
+    u32 TickCount() override { return GetTickCount(); }
 };
 
 }  // namespace

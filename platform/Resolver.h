@@ -1,4 +1,5 @@
-// The system's name resolver, in the three calls that host naming needs. May block for as long as the system wants.
+// The system's name resolver, in the calls that host naming and host watch need. May block for as long as the system
+// wants.
 // Addresses are IPv4 in network byte order, as in memory.
 #pragma once
 
@@ -27,6 +28,10 @@ class Resolver {
 
     // gethostbyaddr. False on failure; `name` is then untouched.
     virtual bool HostByAddress(u32 address, std::string& name) = 0;
+
+    // gethostbyname, the first address that it gives; a dotted text is its own answer. False on failure; `address` is
+    // then untouched.
+    virtual bool HostByName(const char* name, u32& address) = 0;
 };
 
 Resolver& SystemResolver();

@@ -2,6 +2,8 @@
 // after its system's socket headers.
 #pragma once
 
+#include <cstring>
+
 #include "platform/Resolver.h"
 
 namespace vardel {
@@ -19,6 +21,13 @@ inline std::vector<std::string> LookUpCanonicalNames(const char* dottedAddress) 
         if (result->ai_canonname) names.emplace_back(result->ai_canonname);
     freeaddrinfo(results);
     return names;
+}
+
+// False when the answer has no IPv4 address.
+inline bool FirstAddress(const hostent& host, u32& address) {
+    if (host.h_addrtype != AF_INET || host.h_length != sizeof address || !host.h_addr_list[0]) return false;
+    std::memcpy(&address, host.h_addr_list[0], sizeof address);
+    return true;
 }
 
 // NI_MAXHOST of both systems.

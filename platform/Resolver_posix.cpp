@@ -12,6 +12,26 @@ namespace vardel {
 
 namespace {
 
+struct Answer {
+    hostent host{};
+    hostent* found = nullptr;
+    int failure = 0;
+    std::vector<char> buffer = std::vector<char>(1024);
+};
+
+// The calls of before getaddrinfo in their thread-safe form: the plain ones keep their result in storage that all
+// threads share. `look` is tried with ever larger buffers; `take` gets what it found. False when it found nothing.
+template <class Look, class Take>
+bool WithHost(Look look, Take take) {
+    constexpr std::size_t kLargestBuffer = 64 * 1024;
+    for (Answer answer; answer.buffer.size() <= kLargestBuffer; answer.buffer.resize(answer.buffer.size() * 2)) {
+        const int result = look(answer);
+        if (result == ERANGE) continue;
+        return result == 0 && answer.found && take(*answer.found);
+    }
+    return false;
+}
+
 class PosixResolver : public Resolver {
   public:
     std::vector<std::string> CanonicalNames(const char* dottedAddress) override {
@@ -21,21 +41,24 @@ class PosixResolver : public Resolver {
         return LookUpName(address, port, kind, name);
     }
     bool HostByAddress(u32 address, std::string& name) override {
-        // The plain call keeps its result in storage that all threads share.
-        constexpr std::size_t kLargestBuffer = 64 * 1024;
-        for (std::vector<char> buffer(1024); buffer.size() <= kLargestBuffer;
-             buffer.resize(buffer.size() * 2)) {
-            hostent host{};
-            hostent* found = nullptr;
-            int failure = 0;
-            const int result = gethostbyaddr_r(&address, sizeof address, AF_INET, &host, buffer.data(),
-                                               buffer.size(), &found, &failure);
-            if (result == ERANGE) continue;
-            if (result != 0 || !found || !found->h_name) return false;
-            name = found->h_name;
-            return true;
-        }
-        return false;
+        return WithHost(
+            [&](Answer& answer) {
+                return gethostbyaddr_r(&address, sizeof address, AF_INET, &answer.host, answer.buffer.data(),
+                                       answer.buffer.size(), &answer.found, &answer.failure);
+            },
+            [&](const hostent& host) {
+                if (!host.h_name) return false;
+                name = host.h_name;
+                return true;
+            });
+    }
+    bool HostByName(const char* name, u32& address) override {
+        return WithHost(
+            [&](Answer& answer) {
+                return gethostbyname_r(name, &answer.host, answer.buffer.data(), answer.buffer.size(),
+                                       &answer.found, &answer.failure);
+            },
+            [&](const hostent& host) { return FirstAddress(host, address); });
     }
 };
 

@@ -23,6 +23,10 @@ class WindowsResolver : public Resolver {
         name = host->h_name;
         return true;
     }
+    bool HostByName(const char* name, u32& address) override {
+        const hostent* host = gethostbyname(name);
+        return host && FirstAddress(*host, address);
+    }
 };
 
 }  // namespace

@@ -12,7 +12,9 @@
 #include "platform/MachineConfig.h"
 #include "platform/Modules.h"
 #include "platform/Process.h"
+#include "platform/RawIcmp.h"
 #include "platform/Resolver.h"
+#include "platform/ShareEnumeration.h"
 #include "platform/Shell.h"
 #include "platform/StringResources.h"
 #include "platform/Threads.h"
@@ -33,6 +35,8 @@ struct Services {
     Shell& shell = SystemShell();
     Http& http = SystemHttp();
     Modules& modules = SystemModules();
+    RawIcmp& rawIcmp = SystemRawIcmp();
+    ShareEnumeration& shareEnumeration = SystemShareEnumeration();
 
     // The same, but for one of them.
     Services With(Events& other) const;

@@ -17,6 +17,7 @@ class NoResolver : public Resolver {
     std::vector<std::string> CanonicalNames(const char*) override { return {}; }
     bool NameOfAddress(u32, u16, NameLookup, std::string&) override { return false; }
     bool HostByAddress(u32, std::string&) override { return false; }
+    bool HostByName(const char*, u32&) override { return false; }
 };
 
 // Every fetch fails.

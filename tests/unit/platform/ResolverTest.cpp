@@ -51,5 +51,23 @@ TEST_F(ResolverTest, GivesTheShortNameOfTheLoopbackAddress) {
     EXPECT_FALSE(name.empty());
 }
 
+TEST_F(ResolverTest, TakesADottedAddressAsItsOwnAnswer) {
+    u32 address = 0;
+    ASSERT_TRUE(resolver.HostByName("192.0.2.7", address));
+    EXPECT_EQ(address, Address(192, 0, 2, 7));
+}
+
+TEST_F(ResolverTest, FindsThisMachineByItsName) {
+    u32 address = 0;
+    ASSERT_TRUE(resolver.HostByName("localhost", address));
+    EXPECT_EQ(address, Address(127, 0, 0, 1));
+}
+
+TEST_F(ResolverTest, LeavesTheAddressAloneWhereANameHasNone) {
+    u32 address = 99;
+    EXPECT_FALSE(resolver.HostByName("no-address.invalid", address));
+    EXPECT_EQ(address, 99u);
+}
+
 }  // namespace
 }  // namespace vardel

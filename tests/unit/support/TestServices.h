@@ -10,13 +10,17 @@
 
 #include "platform/CommandLine.h"
 #include "platform/Services.h"
+#include "tests/unit/support/ScriptedRawIcmp.h"
+#include "tests/unit/support/ScriptedShareEnumeration.h"
 
 namespace vardel::test {
 
 class ScriptedClock : public Clock {
   public:
     i64 Now() override { return now; }
+    u32 TickCount() override { return ticks; }
     i64 now = 1'700'000'000;
+    u32 ticks = 0;  // milliseconds
 };
 
 class ScriptedFolders : public Folders {
@@ -51,6 +55,13 @@ class ScriptedResolver : public Resolver {
         if (!hostByAddress.empty()) name = hostByAddress;
         return !hostByAddress.empty();
     }
+    bool HostByName(const char* name, u32& address) override {
+        calls.push_back(std::string("name ") + name);
+        const auto found = addresses.find(name);
+        if (found != addresses.end()) address = found->second;
+        return found != addresses.end();
+    }
+    std::map<std::string, u32> addresses;  // by name; network byte order
     // Empty means that the look-up fails.
     std::vector<std::string> canonicalNames;
     std::string requiredName, hostByAddress, shortName;
@@ -283,9 +294,12 @@ struct TestServices {
     RecordingShell shell;
     ScriptedHttp http;
     ScriptedModules modules;
+    ScriptedRawIcmp rawIcmp;
+    ScriptedShareEnumeration shareEnumeration;
     Services services{SystemEvents(), threads,  clock,   folders,       resolver,
                       strings,        arpCache, process, machineConfig, captureModules,
-                      shell,          http,     modules};
+                      shell,          http,     modules,
+                      rawIcmp,        shareEnumeration};
 };
 
 }  // namespace vardel::test
