@@ -77,8 +77,12 @@ void TcRegistry::RegSetSZ(RegistryHandle key, const char* name, const char* text
     UserSettingsStore().Set(key, name, ValueType::Text, text, static_cast<u32>(std::strlen(text) + 1));
 }
 
-void TcRegistry::SetRegAutostartU(const char* name) { UserSettingsStore().AddAutostart(name); }
+void TcRegistry::SetRegAutostartU(const char* name) {
+    UserSettingsStore().AddAutostart(name);
+}
 
-void TcRegistry::DeleteRegAutostartU(const char* name) { UserSettingsStore().RemoveAutostart(name); }
+void TcRegistry::DeleteRegAutostartU(const char* name) {
+    UserSettingsStore().RemoveAutostart(name);
+}
 
 }  // namespace vardel

@@ -1,7 +1,7 @@
 // TcRegistry: the per-user configuration store as the program uses it.
 //
-// A local object without state, over UserSettingsStore(): the registry on Windows, a file on Linux. Any thread may
-// have its own. A key that was handed out is closed once, with CloseRegistryKey.
+// A local object without state, over UserSettingsStore(): the registry on Windows, a file on Linux. Any
+// thread may have its own. A key that was handed out is closed once, with CloseRegistryKey.
 #pragma once
 
 #include "platform/SettingsStore.h"
@@ -11,7 +11,9 @@ namespace vardel {
 using RegistryHandle = StoreKey;
 
 // The constant 2: the per-user software tree, to which paths are relative.
-inline RegistryHandle UserSoftwareTree() { return reinterpret_cast<RegistryHandle>(std::uintptr_t{2}); }
+inline RegistryHandle UserSoftwareTree() {
+    return reinterpret_cast<RegistryHandle>(std::uintptr_t{2});
+}
 
 class TcRegistry {
   public:
@@ -28,14 +30,16 @@ class TcRegistry {
     int RegQueryDword(RegistryHandle key, const char* name);
     // 0 when there is no such QWORD.
     i64 RegQueryQword(RegistryHandle key, const char* name);
-    // Text value, cut to size - 1 characters and terminated; empty when there is no such text. `size` is at least 1.
+    // Text value, cut to size - 1 characters and terminated; empty when there is no such text. `size` is at
+    // least 1.
     void RegQuerySZ(RegistryHandle key, const char* name, char* buffer, int size);
 
     void RegSetDword(RegistryHandle key, const char* name, int value);
     void RegSetQword(RegistryHandle key, const char* name, i64 value);
     void RegSetSZ(RegistryHandle key, const char* name, const char* text);
 
-    // Enter the running program for automatic start at the user's logon under `name`, and take that entry out.
+    // Enter the running program for automatic start at the user's logon under `name`, and take that entry
+    // out.
     void SetRegAutostartU(const char* name);
     void DeleteRegAutostartU(const char* name);
 };

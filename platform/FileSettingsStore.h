@@ -1,10 +1,11 @@
 // FileSettingsStore: the settings store of systems without a registry, in a registry text file.
 //
-// The file is read at the first use and from then on only written, as a whole: to a new file beside it, flushed and
-// renamed over it, so that at any moment the old or the new content is there. What can't be written stays in memory
-// and goes with the next change; the failure is told once on standard error. A file that can't be read or
-// understood in full is told there too, what could be understood is used, and before the first write the original
-// is kept as "<file>.damaged" (".damaged.2" and so on where that exists): nobody's lists get lost.
+// The file is read at the first use and from then on only written, as a whole: to a new file beside it,
+// flushed and renamed over it, so that at any moment the old or the new content is there. What can't be
+// written stays in memory and goes with the next change; the failure is told once on standard error. A file
+// that can't be read or understood in full is told there too, what could be understood is used, and before
+// the first write the original is kept as "<file>.damaged" (".damaged.2" and so on where that exists):
+// nobody's lists get lost.
 //
 // Changes of the file by others while the program runs are not seen. Any thread may call any operation.
 #pragma once

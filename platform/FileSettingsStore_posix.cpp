@@ -36,7 +36,9 @@ class FileDescriptor {
     int number_;
 };
 
-void Tell(const std::string& message) { std::fprintf(stderr, "vardelwatch: %s\n", message.c_str()); }
+void Tell(const std::string& message) {
+    std::fprintf(stderr, "vardelwatch: %s\n", message.c_str());
+}
 
 std::string FolderOf(const std::string& path) {
     const std::size_t end = path.rfind('/');
@@ -46,7 +48,8 @@ std::string FolderOf(const std::string& path) {
 // With all that is missing above it; readable by the user alone.
 bool MakeFolder(const std::string& path) {
     for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
-        if (mkdir(path.substr(0, end).c_str(), 0700) != 0 && errno != EEXIST && end == std::string::npos) return false;
+        if (mkdir(path.substr(0, end).c_str(), 0700) != 0 && errno != EEXIST && end == std::string::npos)
+            return false;
         if (end == std::string::npos) return true;
     }
 }
@@ -75,7 +78,8 @@ bool WriteAll(int file, std::string_view content) {
     return true;
 }
 
-// Puts a new content in the place of a file at once. On failure the old content stays whole and errno tells why.
+// Puts a new content in the place of a file at once. On failure the old content stays whole and errno tells
+// why.
 bool ReplaceFile(const std::string& path, std::string_view content) {
     const std::string folder = FolderOf(path);
     if (!MakeFolder(folder)) return false;
@@ -162,8 +166,10 @@ bool FileSettingsStore::KeepAside(const std::string& original) {
         const std::string kept = original + ".damaged" + (number == 1 ? "" : "." + std::to_string(number));
         struct stat status;
         if (lstat(kept.c_str(), &status) == 0) continue;
-        // A link leaves the original where it is until it is replaced; folders and some file systems have none.
-        if (link(original.c_str(), kept.c_str()) != 0 && rename(original.c_str(), kept.c_str()) != 0) return false;
+        // A link leaves the original where it is until it is replaced; folders and some file systems have
+        // none.
+        if (link(original.c_str(), kept.c_str()) != 0 && rename(original.c_str(), kept.c_str()) != 0)
+            return false;
         damaged_ = false;
         Tell("the damaged settings file is kept as " + kept);
         return true;

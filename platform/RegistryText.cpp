@@ -1,5 +1,6 @@
 #include "platform/RegistryText.h"
 
+#include "platform/TextCursor.h"
 #include "platform/Utf16.h"
 
 namespace vardel {
@@ -8,67 +9,13 @@ namespace {
 
 constexpr std::string_view kHeader4 = "REGEDIT4";
 constexpr std::string_view kHeader5 = "Windows Registry Editor Version 5.00";
-constexpr std::string_view kBlanks = " \t";
 
 bool IsTextType(ValueType type) {
     return type == ValueType::Text || type == ValueType::ExpandText || type == ValueType::MultiText;
 }
 
-int HexDigit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
-
-// Goes over a text, never past its end.
-class Cursor {
-  public:
-    explicit Cursor(std::string_view text) : rest_(text) {}
-    bool AtEnd() const { return rest_.empty(); }
-    char Peek() const { return rest_.empty() ? '\0' : rest_.front(); }
-    std::string_view Rest() const { return rest_; }
-    void Skip(std::size_t count) { rest_.remove_prefix(count < rest_.size() ? count : rest_.size()); }
-    void SkipBlanks() {
-        while (!rest_.empty() && kBlanks.find(rest_.front()) != std::string_view::npos) rest_.remove_prefix(1);
-    }
-    bool Take(char c) {
-        if (rest_.empty() || rest_.front() != c) return false;
-        rest_.remove_prefix(1);
-        return true;
-    }
-    // Letters are taken in either case; `word` is lower case.
-    bool TakeWord(std::string_view word) {
-        if (rest_.size() < word.size()) return false;
-        for (std::size_t i = 0; i < word.size(); ++i) {
-            const char c = rest_[i];
-            if ((c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c) != word[i]) return false;
-        }
-        rest_.remove_prefix(word.size());
-        return true;
-    }
-    // Up to `most` digits; gives how many.
-    int TakeHex(int most, u32& value) {
-        value = 0;
-        int count = 0;
-        for (; count < most && HexDigit(Peek()) >= 0; ++count) {
-            value = value << 4 | static_cast<u32>(HexDigit(rest_.front()));
-            rest_.remove_prefix(1);
-        }
-        return count;
-    }
-    // Nothing but blanks and a comment is left.
-    bool TakesEnd() {
-        SkipBlanks();
-        return AtEnd() || Peek() == ';';
-    }
-
-  private:
-    std::string_view rest_;
-};
-
 // Appends the text behind an opening quote, without its escapes. False when the closing quote is missing.
-bool TakeQuoted(Cursor& cursor, std::string& text) {
+bool TakeQuoted(TextCursor& cursor, std::string& text) {
     while (!cursor.AtEnd()) {
         const char c = cursor.Peek();
         cursor.Skip(1);
@@ -81,46 +28,25 @@ bool TakeQuoted(Cursor& cursor, std::string& text) {
         cursor.Skip(1);
         switch (escaped) {
             case '\\':
-            case '"': text += escaped; break;
+            case '"':
+                text += escaped;
+                break;
             // Not Microsoft's, but other registry editors write these.
-            case 'n': text += '\n'; break;
-            case 'r': text += '\r'; break;
-            case '0': text += '\0'; break;
-            default: text += {'\\', escaped};  // a path typed by hand
+            case 'n':
+                text += '\n';
+                break;
+            case 'r':
+                text += '\r';
+                break;
+            case '0':
+                text += '\0';
+                break;
+            default:
+                text += {'\\', escaped};  // a path typed by hand
         }
     }
     return false;
 }
-
-struct Line {
-    std::string_view text;    // without its end
-    std::string_view ending;  // CR LF or LF; empty where the file ends without
-    bool ended = false;
-};
-
-// Lines of a text, with a place that can be kept and gone back to by copying.
-class LineReader {
-  public:
-    explicit LineReader(std::string_view text) : rest_(text) {}
-    bool Next(Line& line) {
-        if (rest_.empty()) return false;
-        const std::size_t end = rest_.find('\n');
-        line.ended = end != std::string_view::npos;
-        std::size_t length = line.ended ? end : rest_.size();
-        const std::size_t whole = line.ended ? end + 1 : length;
-        if (length > 0 && rest_[length - 1] == '\r') --length;
-        line.text = rest_.substr(0, length);
-        line.ending = rest_.substr(length, whole - length);
-        rest_.remove_prefix(whole);
-        ++number_;
-        return true;
-    }
-    u32 Number() const { return number_; }
-
-  private:
-    std::string_view rest_;
-    u32 number_ = 0;
-};
 
 class Parser {
   public:
@@ -147,10 +73,12 @@ class Parser {
     }
 
     void TakeLine(const Line& line) {
-        Cursor cursor(line.text);
+        TextCursor cursor(line.text);
         cursor.SkipBlanks();
         switch (cursor.Peek()) {
-            case '[': TakeKey(cursor.Rest()); return;
+            case '[':
+                TakeKey(cursor.Rest());
+                return;
             case '"':
             case '@':
                 if (key_) {
@@ -168,7 +96,7 @@ class Parser {
         key_ = nullptr;
         ignoreValues_ = false;
         const std::size_t end = text.rfind(']');
-        if (end == std::string_view::npos || !Cursor(text.substr(end + 1)).TakesEnd()) return Damaged();
+        if (end == std::string_view::npos || !TextCursor(text.substr(end + 1)).TakesEnd()) return Damaged();
         std::string_view path = text.substr(1, end - 1);
         const bool deletes = path.starts_with('-');
         if (deletes) path.remove_prefix(1);
@@ -182,7 +110,7 @@ class Parser {
         }
     }
 
-    bool TakeValue(Cursor& cursor, const Line& line) {
+    bool TakeValue(TextCursor& cursor, const Line& line) {
         std::string name;
         if (!cursor.Take('@')) {
             cursor.Skip(1);
@@ -202,9 +130,9 @@ class Parser {
         return false;
     }
 
-    // A text may hold line ends. What follows is a part of it only while it doesn't look like a line of its own, so
-    // that one lost quote doesn't swallow the file.
-    bool TakeText(Cursor& cursor, const Line& firstLine, const std::string& name) {
+    // A text may hold line ends. What follows is a part of it only while it doesn't look like a line of its
+    // own, so that one lost quote doesn't swallow the file.
+    bool TakeText(TextCursor& cursor, const Line& firstLine, const std::string& name) {
         const LineReader before = reader_;
         std::string text;
         for (Line line = firstLine; !TakeQuoted(cursor, text);) {
@@ -213,7 +141,7 @@ class Parser {
                 reader_ = before;
                 return false;
             }
-            cursor = Cursor(line.text);
+            cursor = TextCursor(line.text);
         }
         if (!cursor.TakesEnd()) return false;
         text += '\0';
@@ -223,10 +151,10 @@ class Parser {
 
     static bool StandsForItself(std::string_view line) {
         return line.starts_with('[') || line.starts_with("@=") ||
-               (line.starts_with('"') && !Cursor(line.substr(1)).TakesEnd());
+               (line.starts_with('"') && !TextCursor(line.substr(1)).TakesEnd());
     }
 
-    bool TakeDword(Cursor& cursor, const Line& line, const std::string& name) {
+    bool TakeDword(TextCursor& cursor, const Line& line, const std::string& name) {
         u32 value;
         const int digits = cursor.TakeHex(8, value);
         const bool torn = !line.ended && digits < 8;
@@ -237,7 +165,7 @@ class Parser {
         return true;
     }
 
-    bool TakeBytes(Cursor& cursor, const Line& firstLine, const std::string& name) {
+    bool TakeBytes(TextCursor& cursor, const Line& firstLine, const std::string& name) {
         ValueType type = ValueType::Binary;
         if (cursor.Take('(')) {
             u32 number;
@@ -250,7 +178,7 @@ class Parser {
         while (TakeByteRow(cursor, data)) {
             const LineReader before = reader_;
             if (!reader_.Next(line)) return false;
-            cursor = Cursor(line.text);
+            cursor = TextCursor(line.text);
             cursor.SkipBlanks();
             if (HexDigit(cursor.Peek()) < 0) {
                 reader_ = before;  // a line of its own: the value is torn here
@@ -265,7 +193,7 @@ class Parser {
     }
 
     // One line of bytes. True when it goes on in the next line; `rowIsWhole_` tells an end as it should be.
-    bool TakeByteRow(Cursor& cursor, std::string& data) {
+    bool TakeByteRow(TextCursor& cursor, std::string& data) {
         rowIsWhole_ = false;
         cursor.SkipBlanks();
         bool commaBefore = false;
@@ -300,11 +228,20 @@ void AppendQuoted(std::string& text, std::string_view content) {
     for (const char c : content) {
         switch (c) {
             case '\\':
-            case '"': text += {'\\', c}; break;
-            case '\n': text += "\\n"; break;
-            case '\r': text += "\\r"; break;
-            case '\0': text += "\\0"; break;
-            default: text += c;
+            case '"':
+                text += {'\\', c};
+                break;
+            case '\n':
+                text += "\\n";
+                break;
+            case '\r':
+                text += "\\r";
+                break;
+            case '\0':
+                text += "\\0";
+                break;
+            default:
+                text += c;
         }
     }
     text += '"';
@@ -337,12 +274,15 @@ void AppendBytes(std::string& text, const RegistryValue& value) {
 }
 
 void AppendValue(std::string& text, const RegistryValue& value) {
-    if (value.name.empty()) text += '@';
-    else AppendQuoted(text, value.name);
+    if (value.name.empty())
+        text += '@';
+    else
+        AppendQuoted(text, value.name);
     text += '=';
     if (value.type == ValueType::Dword && value.data.size() == 4) {
         text += "dword:";
-        for (int i = 3; i >= 0; --i) AppendHex(text, static_cast<u8>(value.data[static_cast<std::size_t>(i)]), 2);
+        for (int i = 3; i >= 0; --i)
+            AppendHex(text, static_cast<u8>(value.data[static_cast<std::size_t>(i)]), 2);
     } else if (IsPlainText(value)) {
         AppendQuoted(text, std::string_view(value.data).substr(0, value.data.size() - 1));
     } else {

@@ -30,7 +30,9 @@ void RegistryKey::Set(std::string_view name, ValueType type, std::string data) {
     at->second.data = std::move(data);
 }
 
-bool RegistryKey::Erase(std::string_view name) { return values_.erase(Folded(name)) != 0; }
+bool RegistryKey::Erase(std::string_view name) {
+    return values_.erase(Folded(name)) != 0;
+}
 
 std::vector<const RegistryValue*> RegistryKey::Values() const {
     std::vector<const RegistryValue*> values;
@@ -62,7 +64,8 @@ bool RegistryTree::Erase(std::string_view path) {
         return keys_.erase(at);
     };
     if (const auto found = keys_.find(folded); found != keys_.end()) drop(found);
-    for (auto at = keys_.lower_bound(below); at != keys_.end() && at->first.starts_with(below);) at = drop(at);
+    for (auto at = keys_.lower_bound(below); at != keys_.end() && at->first.starts_with(below);)
+        at = drop(at);
     return erased;
 }
 

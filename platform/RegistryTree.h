@@ -1,8 +1,8 @@
 // RegistryTree: keys and their typed values in memory, as a registry text tells them.
 //
 // A plain value for one thread at a time. Keys are known by their full path from the root of all
-// ("HKEY_CURRENT_USER\Software\..."), without regard to case (of the 26 letters); the spelling of whoever made a
-// key or value first is kept. A key that only lies above another one exists too, without values.
+// ("HKEY_CURRENT_USER\Software\..."), without regard to case (of the 26 letters); the spelling of whoever
+// made a key or value first is kept. A key that only lies above another one exists too, without values.
 #pragma once
 
 #include <map>

@@ -17,6 +17,8 @@ SettingsStore& UserSettingsStore() {
 
 ScopedSettingsStore::ScopedSettingsStore(SettingsStore& store) : before_(installed.exchange(&store)) {}
 
-ScopedSettingsStore::~ScopedSettingsStore() { installed.store(before_); }
+ScopedSettingsStore::~ScopedSettingsStore() {
+    installed.store(before_);
+}
 
 }  // namespace vardel

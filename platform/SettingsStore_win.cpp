@@ -13,16 +13,23 @@ namespace {
 constexpr const char* kRoot = "Software";
 constexpr const wchar_t* kRunKey = L"Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 
-HKEY SystemKey(StoreKey key) { return reinterpret_cast<HKEY>(key); }
+HKEY SystemKey(StoreKey key) {
+    return reinterpret_cast<HKEY>(key);
+}
 
 StoreResult Result(LSTATUS status) {
     switch (status) {
-        case ERROR_SUCCESS: return StoreResult::Ok;
-        case ERROR_FILE_NOT_FOUND: return StoreResult::NotFound;
-        case ERROR_MORE_DATA: return StoreResult::MoreData;
+        case ERROR_SUCCESS:
+            return StoreResult::Ok;
+        case ERROR_FILE_NOT_FOUND:
+            return StoreResult::NotFound;
+        case ERROR_MORE_DATA:
+            return StoreResult::MoreData;
         case ERROR_INVALID_HANDLE:
-        case ERROR_KEY_DELETED: return StoreResult::InvalidHandle;
-        default: return StoreResult::Failed;
+        case ERROR_KEY_DELETED:
+            return StoreResult::InvalidHandle;
+        default:
+            return StoreResult::Failed;
     }
 }
 
@@ -44,7 +51,9 @@ std::wstring QuotedProgram() {
     }
 }
 
-std::wstring Wide(const char* ascii) { return std::wstring(ascii, ascii + std::strlen(ascii)); }
+std::wstring Wide(const char* ascii) {
+    return std::wstring(ascii, ascii + std::strlen(ascii));
+}
 
 class RegistryStore : public SettingsStore {
   public:
@@ -57,9 +66,9 @@ class RegistryStore : public SettingsStore {
 
     StoreKey Create(StoreKey parent, const char* path) override {
         HKEY key = nullptr;
-        const LSTATUS status = RegCreateKeyExA(parent ? SystemKey(parent) : HKEY_CURRENT_USER,
-                                               PathBelow(parent, path).c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                                               KEY_READ | KEY_WRITE, nullptr, &key, nullptr);
+        const LSTATUS status = RegCreateKeyExA(
+            parent ? SystemKey(parent) : HKEY_CURRENT_USER, PathBelow(parent, path).c_str(), 0, nullptr,
+            REG_OPTION_NON_VOLATILE, KEY_READ | KEY_WRITE, nullptr, &key, nullptr);
         return status == ERROR_SUCCESS ? reinterpret_cast<StoreKey>(key) : nullptr;
     }
 
@@ -79,8 +88,8 @@ class RegistryStore : public SettingsStore {
     StoreResult Query(StoreKey key, const char* name, ValueType& type, void* data, u32& size) override {
         DWORD typeNumber = REG_NONE;
         DWORD length = size;
-        const LSTATUS status = RegQueryValueExA(SystemKey(key), name, nullptr, &typeNumber,
-                                                static_cast<BYTE*>(data), &length);
+        const LSTATUS status =
+            RegQueryValueExA(SystemKey(key), name, nullptr, &typeNumber, static_cast<BYTE*>(data), &length);
         type = static_cast<ValueType>(typeNumber);
         size = length;
         return Result(status);
@@ -94,8 +103,9 @@ class RegistryStore : public SettingsStore {
     bool AddAutostart(const char* name) override {
         const std::wstring program = QuotedProgram();
         HKEY key = nullptr;
-        if (program.empty() || RegCreateKeyExW(HKEY_CURRENT_USER, kRunKey, 0, nullptr, REG_OPTION_NON_VOLATILE,
-                                               KEY_SET_VALUE, nullptr, &key, nullptr) != ERROR_SUCCESS)
+        if (program.empty() ||
+            RegCreateKeyExW(HKEY_CURRENT_USER, kRunKey, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_SET_VALUE,
+                            nullptr, &key, nullptr) != ERROR_SUCCESS)
             return false;
         const DWORD bytes = static_cast<DWORD>((program.size() + 1) * sizeof(wchar_t));
         const LSTATUS status = RegSetValueExW(key, Wide(name).c_str(), 0, REG_SZ,

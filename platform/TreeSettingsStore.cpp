@@ -13,9 +13,15 @@ struct OpenKey {
     RegistryTree::KeyPointer key;
 };
 
-OpenKey* Opened(StoreKey key) { return reinterpret_cast<OpenKey*>(key); }
-StoreKey HandOut(RegistryTree::KeyPointer key) { return reinterpret_cast<StoreKey>(new OpenKey{std::move(key)}); }
-bool IsUsable(StoreKey key) { return key && !Opened(key)->key->deleted; }
+OpenKey* Opened(StoreKey key) {
+    return reinterpret_cast<OpenKey*>(key);
+}
+StoreKey HandOut(RegistryTree::KeyPointer key) {
+    return reinterpret_cast<StoreKey>(new OpenKey{std::move(key)});
+}
+bool IsUsable(StoreKey key) {
+    return key && !Opened(key)->key->deleted;
+}
 
 }  // namespace
 
@@ -85,11 +91,13 @@ StoreResult TreeSettingsStore::Query(StoreKey key, const char* name, ValueType& 
     return StoreResult::Ok;
 }
 
-StoreResult TreeSettingsStore::Set(StoreKey key, const char* name, ValueType type, const void* data, u32 size) {
+StoreResult TreeSettingsStore::Set(StoreKey key, const char* name, ValueType type, const void* data,
+                                   u32 size) {
     std::lock_guard hold(guard_);
     Load();
     if (!IsUsable(key)) return StoreResult::InvalidHandle;
-    Opened(key)->key->Set(name ? name : "", type, size ? std::string(static_cast<const char*>(data), size) : "");
+    Opened(key)->key->Set(name ? name : "", type,
+                          size ? std::string(static_cast<const char*>(data), size) : "");
     Changed();
     return StoreResult::Ok;
 }

@@ -1,6 +1,8 @@
-// TreeSettingsStore: a settings store in memory, with the registry's own results; base of the store in a file.
+// TreeSettingsStore: a settings store in memory, with the registry's own results; base of the store in a
+// file.
 //
-// Any thread may call any operation; one guard covers all. The root is "HKEY_CURRENT_USER\Software" of its tree.
+// Any thread may call any operation; one guard covers all. The root is "HKEY_CURRENT_USER\Software" of its
+// tree.
 #pragma once
 
 #include <mutex>
@@ -36,8 +38,8 @@ class TreeSettingsStore : public SettingsStore {
   protected:
     // Both are called with the guard held. Load comes before each use of the tree.
     virtual void Load() {}
-    // Called after a change, or after all changes of a batch. False when it could not be saved; it is then called
-    // again after the next one.
+    // Called after a change, or after all changes of a batch. False when it could not be saved; it is then
+    // called again after the next one.
     virtual bool Save() { return true; }
 
     RegistryTree tree_;

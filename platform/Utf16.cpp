@@ -7,7 +7,8 @@ namespace vardel {
 namespace {
 
 u32 UnitAt(std::string_view bytes, std::size_t at) {
-    return static_cast<u32>(static_cast<u8>(bytes[at])) | static_cast<u32>(static_cast<u8>(bytes[at + 1])) << 8;
+    return static_cast<u32>(static_cast<u8>(bytes[at])) | static_cast<u32>(static_cast<u8>(bytes[at + 1]))
+                                                              << 8;
 }
 
 void AppendUtf8(std::string& text, u32 point) {

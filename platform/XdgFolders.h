@@ -5,8 +5,8 @@
 
 namespace vardel {
 
-// The folder that `variable` names where that is an absolute path, else `belowHome` in the home folder. Without a
-// trailing separator; empty when the user has no home.
+// The folder that `variable` names where that is an absolute path, else `belowHome` in the home folder.
+// Without a trailing separator; empty when the user has no home.
 std::string XdgFolder(const char* variable, const char* belowHome);
 
 }  // namespace vardel

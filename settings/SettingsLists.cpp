@@ -41,15 +41,21 @@ void CopyText(char (&target)[size], const char (&source)[size]) {
     std::memcpy(target, source, strnlen(source, size - 1));
 }
 
-const char (&KeyField(const ListedHost& host))[260] { return host.ipAddress; }
-const char (&KeyField(const WatchedHost& host))[20] { return host.ipAddress; }
-const char (&KeyField(const PluginEntry& plugin))[50] { return plugin.name; }
+const char (&KeyField(const ListedHost& host))[260] {
+    return host.ipAddress;
+}
+const char (&KeyField(const WatchedHost& host))[20] {
+    return host.ipAddress;
+}
+const char (&KeyField(const PluginEntry& plugin))[50] {
+    return plugin.name;
+}
 
 // ---- reading ----
 
-// `take(number, record)` for each value until the first that can't be had: a gap or a value longer than the record
-// ends the list. The size is set once, and a short value leaves it short: the values behind it that are longer end
-// the list too, and what a short value doesn't fill is left from the record before it.
+// `take(number, record)` for each value until the first that can't be had: a gap or a value longer than the
+// record ends the list. The size is set once, and a short value leaves it short: the values behind it that
+// are longer end the list too, and what a short value doesn't fill is left from the record before it.
 template <class Record, class Take>
 void ReadSection(const ListSection& section, Take take) {
     TcRegistry registry;
@@ -150,8 +156,9 @@ ApplicationEntry CopyOf(const ApplicationEntry& source) {
 void ReadLists(VardelSettings& settings) {
     ReadTable(kPlugins, settings.pluginStates);
     std::vector<ApplicationEntry> applications;
-    ReadSection<ApplicationEntry>(
-        kApplications, [&](i32, const ApplicationEntry& application) { applications.push_back(application); });
+    ReadSection<ApplicationEntry>(kApplications, [&](i32, const ApplicationEntry& application) {
+        applications.push_back(application);
+    });
     settings.applications.Write(std::move(applications));
     ReadTable(kTrustedHosts, settings.trustedHosts);
     ReadTable(kDistrustedHosts, settings.distrustedHosts);
@@ -177,13 +184,17 @@ void WriteLists(const VardelSettings& settings) {
     });
 }
 
-void WriteTrustedHostList(const VardelSettings& settings) { WriteTable(kTrustedHosts, settings.trustedHosts); }
+void WriteTrustedHostList(const VardelSettings& settings) {
+    WriteTable(kTrustedHosts, settings.trustedHosts);
+}
 
 void WriteDistrustedHostList(const VardelSettings& settings) {
     WriteTable(kDistrustedHosts, settings.distrustedHosts);
 }
 
-void WriteWatchedHostList(const VardelSettings& settings) { WriteTable(kWatchedHosts, settings.watchedHosts); }
+void WriteWatchedHostList(const VardelSettings& settings) {
+    WriteTable(kWatchedHosts, settings.watchedHosts);
+}
 
 void AssignLists(VardelSettings& target, const VardelSettings& source) {
     PluginStateTable plugins;

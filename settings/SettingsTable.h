@@ -1,8 +1,8 @@
-// The table of all single values of the settings. Reading, writing and copying walk it: to add a setting, add its
-// field to VardelSettings and its row here.
+// The table of all single values of the settings. Reading, writing and copying walk it: to add a setting, add
+// its field to VardelSettings and its row here.
 //
-// The rows stand in the order of reading. Writing has an order of its own, fixed as well: numbers first, then the
-// binary value, then texts, each by `writeRank`.
+// The rows stand in the order of reading. Writing has an order of its own, fixed as well: numbers first, then
+// the binary value, then texts, each by `writeRank`.
 #pragma once
 
 #include <algorithm>
@@ -16,17 +16,16 @@
 namespace vardel {
 
 using FlagField = Shared<u8> VardelSettings::*;
-using SettingField =
-    std::variant<FlagField, Shared<i32> VardelSettings::*, Shared<u32> VardelSettings::*,
-                 Shared<i64> VardelSettings::*, GuardedRecord<ViewRectangle> VardelSettings::*,
-                 TcString VardelSettings::*>;
+using SettingField = std::variant<FlagField, Shared<i32> VardelSettings::*, Shared<u32> VardelSettings::*,
+                                  Shared<i64> VardelSettings::*,
+                                  GuardedRecord<ViewRectangle> VardelSettings::*, TcString VardelSettings::*>;
 
 // What becomes of the stored number, which is -1 where the value is missing.
 enum class ReadRule {
-    ExactlyOne,      // a flag that is on when 1 is stored: missing means off
-    AnyNonZero,      // a flag that is on unless 0 is stored: missing means on (as in settings of older versions)
-    AsStored,        // missing means -1, also where that wraps to the greatest unsigned number
-    NotNegative,     // below 0 becomes 0
+    ExactlyOne,   // a flag that is on when 1 is stored: missing means off
+    AnyNonZero,   // a flag that is on unless 0 is stored: missing means on (as in settings of older versions)
+    AsStored,     // missing means -1, also where that wraps to the greatest unsigned number
+    NotNegative,  // below 0 becomes 0
     HostFilterBits,  // outside 0 to 7 becomes 7: everything is shown
     AtLeastOne,      // below 1 becomes 1
 };
@@ -106,12 +105,13 @@ enum class SettingKind { Number, Binary, Text };
 
 constexpr SettingKind KindOf(const SettingRow& row) {
     if (std::holds_alternative<TcString VardelSettings::*>(row.field)) return SettingKind::Text;
-    if (std::holds_alternative<GuardedRecord<ViewRectangle> VardelSettings::*>(row.field)) return SettingKind::Binary;
+    if (std::holds_alternative<GuardedRecord<ViewRectangle> VardelSettings::*>(row.field))
+        return SettingKind::Binary;
     return SettingKind::Number;
 }
 
-// Places in the table of the rows of one kind that WriteSettings writes, in its order. Ranks are 1, 2, 3... without
-// a gap.
+// Places in the table of the rows of one kind that WriteSettings writes, in its order. Ranks are 1, 2, 3...
+// without a gap.
 template <SettingKind kind>
 constexpr auto RowsToWrite() {
     constexpr auto isWritten = [](const SettingRow& row) {
@@ -144,12 +144,18 @@ consteval const SettingRow& RowNamed(std::string_view name) {
 // The stored number as a setting takes it.
 constexpr i32 NumberByRule(ReadRule rule, i32 stored) {
     switch (rule) {
-        case ReadRule::ExactlyOne: return stored == 1;
-        case ReadRule::AnyNonZero: return stored != 0;
-        case ReadRule::AsStored: break;
-        case ReadRule::NotNegative: return stored < 0 ? 0 : stored;
-        case ReadRule::HostFilterBits: return stored < 0 || stored > 7 ? 7 : stored;
-        case ReadRule::AtLeastOne: return stored < 1 ? 1 : stored;
+        case ReadRule::ExactlyOne:
+            return stored == 1;
+        case ReadRule::AnyNonZero:
+            return stored != 0;
+        case ReadRule::AsStored:
+            break;
+        case ReadRule::NotNegative:
+            return stored < 0 ? 0 : stored;
+        case ReadRule::HostFilterBits:
+            return stored < 0 || stored > 7 ? 7 : stored;
+        case ReadRule::AtLeastOne:
+            return stored < 1 ? 1 : stored;
     }
     return stored;
 }

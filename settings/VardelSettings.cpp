@@ -26,21 +26,22 @@ class RowReader {
     }
 
     template <class T>
-    void operator()(Shared<T> VardelSettings::* field) {
+    void operator()(Shared<T> VardelSettings::*field) {
         settings_.*field = static_cast<T>(NumberByRule(row_->rule, registry_.RegQueryDword(key_, Name())));
     }
-    void operator()(Shared<i64> VardelSettings::* field) {
+    void operator()(Shared<i64> VardelSettings::*field) {
         settings_.*field = IsRead() ? registry_.RegQueryQword(key_, Name()) : 0;
     }
-    void operator()(GuardedRecord<ViewRectangle> VardelSettings::* field) {
+    void operator()(GuardedRecord<ViewRectangle> VardelSettings::*field) {
         if (!IsRead()) return;  // the rectangle stays as it is
         ViewRectangle rectangle = (settings_.*field).Read();
         u32 size = sizeof rectangle;
         ValueType type;
-        if (UserSettingsStore().Query(key_, Name(), type, &rectangle, size) != StoreResult::Ok) rectangle = {};
+        if (UserSettingsStore().Query(key_, Name(), type, &rectangle, size) != StoreResult::Ok)
+            rectangle = {};
         (settings_.*field).Write(rectangle);
     }
-    void operator()(TcString VardelSettings::* field) {
+    void operator()(TcString VardelSettings::*field) {
         registry_.RegQuerySZ(key_, Name(), buffer_.text, sizeof buffer_.text);
         settings_.*field = buffer_.text;
     }
@@ -66,17 +67,17 @@ class RowWriter {
     }
 
     template <class T>
-    void operator()(Shared<T> VardelSettings::* field) {
+    void operator()(Shared<T> VardelSettings::*field) {
         registry_.RegSetDword(key_, Name(), static_cast<i32>((settings_.*field).Get()));
     }
-    void operator()(Shared<i64> VardelSettings::* field) {
+    void operator()(Shared<i64> VardelSettings::*field) {
         registry_.RegSetQword(key_, Name(), settings_.*field);
     }
-    void operator()(GuardedRecord<ViewRectangle> VardelSettings::* field) {
+    void operator()(GuardedRecord<ViewRectangle> VardelSettings::*field) {
         const ViewRectangle rectangle = (settings_.*field).Read();
         UserSettingsStore().Set(key_, Name(), ValueType::Binary, &rectangle, sizeof rectangle);
     }
-    void operator()(TcString VardelSettings::* field) {
+    void operator()(TcString VardelSettings::*field) {
         const TcString text(settings_.*field);
         registry_.RegSetSZ(key_, Name(), text.GetContent());
     }
@@ -132,8 +133,10 @@ void WriteValues(const VardelSettings& settings, RegistryHandle key) {
     RowWriter writer(settings, key);
     WriteRows<SettingKind::Number>(writer);
     WriteRows<SettingKind::Binary>(writer);
-    if (settings.AutoStart) registry.SetRegAutostartU(kAutostartName);
-    else registry.DeleteRegAutostartU(kAutostartName);
+    if (settings.AutoStart)
+        registry.SetRegAutostartU(kAutostartName);
+    else
+        registry.DeleteRegAutostartU(kAutostartName);
     WriteRows<SettingKind::Text>(writer);
     registry.CloseRegistryKey(key);
 }
@@ -153,7 +156,7 @@ void CopyValues(VardelSettings& target, const VardelSettings& source) {
     for (const SettingRow& row : kSettingRows) {
         if (!row.assigned) continue;
         std::visit(
-            [&]<class T>(T VardelSettings::* field) {
+            [&]<class T>(T VardelSettings::*field) {
                 if constexpr (std::is_same_v<T, GuardedRecord<ViewRectangle>>)
                     (target.*field).Write((source.*field).Read());
                 else
@@ -165,7 +168,9 @@ void CopyValues(VardelSettings& target, const VardelSettings& source) {
 
 }  // namespace
 
-i32 ColumnsWithWmi(i32 columns, bool useWmi) { return useWmi ? columns : columns & ~1; }
+i32 ColumnsWithWmi(i32 columns, bool useWmi) {
+    return useWmi ? columns : columns & ~1;
+}
 
 VardelSettings::VardelSettings()
     : Visualization(1),
@@ -212,13 +217,21 @@ bool VardelSettings::AssignSettings(const VardelSettings* source) {
     return true;
 }
 
-bool VardelSettings::WriteSavedViewWindowDimension() { return WriteOne(*this, RowNamed("SavedViewWindowDimension")); }
+bool VardelSettings::WriteSavedViewWindowDimension() {
+    return WriteOne(*this, RowNamed("SavedViewWindowDimension"));
+}
 
-bool VardelSettings::WriteLanguage() { return WriteOne(*this, RowNamed("Language")); }
+bool VardelSettings::WriteLanguage() {
+    return WriteOne(*this, RowNamed("Language"));
+}
 
-bool VardelSettings::WriteViewFilterOptions() { return WriteOne(*this, RowNamed("ViewFilterOptions")); }
+bool VardelSettings::WriteViewFilterOptions() {
+    return WriteOne(*this, RowNamed("ViewFilterOptions"));
+}
 
-bool VardelSettings::WriteLastUpdateTime() { return WriteOne(*this, RowNamed("LastUpdateTime")); }
+bool VardelSettings::WriteLastUpdateTime() {
+    return WriteOne(*this, RowNamed("LastUpdateTime"));
+}
 
 bool VardelSettings::WriteMACListVersion(u32 version) {
     return WithSettingsKey([&](RegistryHandle key) {

@@ -1,10 +1,10 @@
-// Writes the user's settings from a description on standard input, or reads them and prints them as JSON. For tests
-// that move settings between systems.
+// Writes the user's settings from a description on standard input, or reads them and prints them as JSON. For
+// tests that move settings between systems.
 //
 //   settings_tool write    lines "NAME VALUE" for numbers and texts, "SavedViewWindowDimension L T R B",
 //                          and "LIST HEX" for a record, byte for byte
-//   settings_tool read     texts as strings (bytes from 0x80 as \u00XX), records as hexadecimal: hash tables sorted,
-//                          applications and accounts in their order
+//   settings_tool read     texts as strings (bytes from 0x80 as \u00XX), records as hexadecimal: hash tables
+//                          sorted, applications and accounts in their order
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -52,7 +52,8 @@ bool TakeRecord(VardelSettings& settings, const std::string& list, const std::st
         settings.applications.Update([&](auto& all) { all.push_back(FromHex<ApplicationEntry>(hex)); });
     } else if (list == "TrustedHosts" || list == "DistrustedHosts") {
         const auto record = FromHex<ListedHost>(hex);
-        AddRecord(list == "TrustedHosts" ? settings.trustedHosts : settings.distrustedHosts, record, record.ipAddress);
+        AddRecord(list == "TrustedHosts" ? settings.trustedHosts : settings.distrustedHosts, record,
+                  record.ipAddress);
     } else if (list == "WatchedHosts") {
         const auto record = FromHex<WatchedHost>(hex);
         AddRecord(settings.watchedHosts, record, record.ipAddress);
@@ -71,11 +72,11 @@ struct Setter {
     VardelSettings& settings;
     const std::string& value;
     template <class T>
-    void operator()(Shared<T> VardelSettings::* field) {
+    void operator()(Shared<T> VardelSettings::*field) {
         settings.*field = static_cast<T>(std::stoll(value));
     }
-    void operator()(TcString VardelSettings::* field) { settings.*field = value.c_str(); }
-    void operator()(GuardedRecord<ViewRectangle> VardelSettings::* field) {
+    void operator()(TcString VardelSettings::*field) { settings.*field = value.c_str(); }
+    void operator()(GuardedRecord<ViewRectangle> VardelSettings::*field) {
         ViewRectangle rectangle{};
         std::istringstream(value) >> rectangle.left >> rectangle.top >> rectangle.right >> rectangle.bottom;
         (settings.*field).Write(rectangle);
@@ -88,8 +89,10 @@ std::string JsonText(const char* text) {
         const unsigned char byte = static_cast<unsigned char>(*text);
         char escaped[8];
         std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(byte));
-        if (byte < 0x20 || byte >= 0x7f || byte == '"' || byte == '\\') json += escaped;
-        else json += *text;
+        if (byte < 0x20 || byte >= 0x7f || byte == '"' || byte == '\\')
+            json += escaped;
+        else
+            json += *text;
     }
     return json + "\"";
 }
@@ -97,16 +100,16 @@ std::string JsonText(const char* text) {
 struct Printer {
     const VardelSettings& settings;
     template <class T>
-    std::string operator()(Shared<T> VardelSettings::* field) {
+    std::string operator()(Shared<T> VardelSettings::*field) {
         return std::to_string((settings.*field).Get());
     }
-    std::string operator()(TcString VardelSettings::* field) {
+    std::string operator()(TcString VardelSettings::*field) {
         return JsonText(TcString(settings.*field).GetContent());
     }
-    std::string operator()(GuardedRecord<ViewRectangle> VardelSettings::* field) {
+    std::string operator()(GuardedRecord<ViewRectangle> VardelSettings::*field) {
         const ViewRectangle r = (settings.*field).Read();
-        return "[" + std::to_string(r.left) + ", " + std::to_string(r.top) + ", " + std::to_string(r.right) + ", " +
-               std::to_string(r.bottom) + "]";
+        return "[" + std::to_string(r.left) + ", " + std::to_string(r.top) + ", " + std::to_string(r.right) +
+               ", " + std::to_string(r.bottom) + "]";
     }
 };
 
@@ -159,8 +162,10 @@ int Read() {
     for (const SettingRow& row : kSettingRows)
         std::cout << "  \"" << row.name << "\": " << std::visit(Printer{settings}, row.field) << ",\n";
     std::vector<std::string> applications, accounts;
-    for (const ApplicationEntry& entry : settings.applications.Read()) applications.push_back(Hex(&entry, sizeof entry));
-    for (const auto& [index, account] : settings.accounts.Read()) accounts.push_back(Hex(&account, sizeof account));
+    for (const ApplicationEntry& entry : settings.applications.Read())
+        applications.push_back(Hex(&entry, sizeof entry));
+    for (const auto& [index, account] : settings.accounts.Read())
+        accounts.push_back(Hex(&account, sizeof account));
     std::cout << "  \"Plugins\": " << JsonTable(settings.pluginStates) << ",\n"
               << "  \"Applications\": " << JsonList(applications) << ",\n"
               << "  \"TrustedHosts\": " << JsonTable(settings.trustedHosts) << ",\n"

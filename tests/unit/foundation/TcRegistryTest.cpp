@@ -23,7 +23,8 @@ class Registry : public ::testing::TestWithParam<const char*> {
         tested.Store().Delete(tested.Root().c_str());
     }
     void Raw(const char* name, ValueType type, const std::string& data) {
-        EXPECT_EQ(tested.Store().Set(key, name, type, data.data(), static_cast<u32>(data.size())), StoreResult::Ok);
+        EXPECT_EQ(tested.Store().Set(key, name, type, data.data(), static_cast<u32>(data.size())),
+                  StoreResult::Ok);
     }
     // What a buffer of that size, full of rubbish, holds afterwards.
     std::string Text(const char* name, int size) {

@@ -12,8 +12,8 @@
 #include <set>
 
 #include "platform/RegistryText.h"
-#include "tests/unit/support/RegistryDump.h"
 #include "tests/unit/support/EnvironmentVariable_posix.h"
+#include "tests/unit/support/RegistryDump.h"
 #include "tests/unit/support/TestFolder.h"
 
 namespace vardel {
@@ -28,12 +28,15 @@ const std::string kHeader = "REGEDIT4\r\n";
 class FileStore : public ::testing::Test {
   protected:
     static constexpr const char* kFile = "config/vardelwatch/settings.reg";
-    SettingsFiles Files() const { return {folder.Path(kFile), folder.Path("config/autostart"), "/opt/vardelwatch"}; }
+    SettingsFiles Files() const {
+        return {folder.Path(kFile), folder.Path("config/autostart"), "/opt/vardelwatch"};
+    }
 
     static void Set(SettingsStore& store, const char* name, const std::string& data, const char* path = "T") {
         const StoreKey key = store.Create(nullptr, path);
         ASSERT_TRUE(key);
-        EXPECT_EQ(store.Set(key, name, ValueType::Binary, data.data(), static_cast<u32>(data.size())), StoreResult::Ok);
+        EXPECT_EQ(store.Set(key, name, ValueType::Binary, data.data(), static_cast<u32>(data.size())),
+                  StoreResult::Ok);
         store.Close(key);
     }
     static std::string Get(SettingsStore& store, const char* name, const char* path = "T") {
@@ -100,13 +103,16 @@ TEST_F(FileStore, FileAndFoldersAreTheUsersAlone) {
 }
 
 TEST_F(FileStore, ForeignKeysAndTypesAreKept) {
-    folder.Write(kFile, kHeader + "[HKEY_LOCAL_MACHINE\\X]\r\n\"a\"=hex(63):01,02\r\n[HKEY_CURRENT_USER\\Software\\T]\r\n");
+    folder.Write(
+        kFile,
+        kHeader + "[HKEY_LOCAL_MACHINE\\X]\r\n\"a\"=hex(63):01,02\r\n[HKEY_CURRENT_USER\\Software\\T]\r\n");
     FileSettingsStore store(Files());
     Set(store, "n", "v");
     RegistryText text = ParseRegistryText(OnDisk());
     EXPECT_EQ(Dump(text.tree),
-              (std::vector<std::string>{"[HKEY_CURRENT_USER\\Software\\T]", "[HKEY_CURRENT_USER\\Software\\T] 3 n=v",
-                                        "[HKEY_LOCAL_MACHINE\\X]", "[HKEY_LOCAL_MACHINE\\X] 63 a=<1><2>"}));
+              (std::vector<std::string>{"[HKEY_CURRENT_USER\\Software\\T]",
+                                        "[HKEY_CURRENT_USER\\Software\\T] 3 n=v", "[HKEY_LOCAL_MACHINE\\X]",
+                                        "[HKEY_LOCAL_MACHINE\\X] 63 a=<1><2>"}));
 }
 
 // A file that is replaced gets another number in the file system.
@@ -168,7 +174,8 @@ TEST_F(FileStore, WithoutAHomeSettingsLiveInMemoryAndThatIsTold) {
 // ---- damaged files ----
 
 TEST_F(FileStore, ADamagedFileIsUsedAsFarAsItGoesAndKeptAsideBeforeTheFirstWrite) {
-    const std::string damaged = kHeader + "[HKEY_CURRENT_USER\\Software\\T]\r\n\"a\"=hex:41\r\nrubbish\r\n\"b\"=hex:42\r\n";
+    const std::string damaged =
+        kHeader + "[HKEY_CURRENT_USER\\Software\\T]\r\n\"a\"=hex:41\r\nrubbish\r\n\"b\"=hex:42\r\n";
     folder.Write(kFile, damaged);
     FileSettingsStore store(Files());
     const std::string told = Told([&] { EXPECT_EQ(Get(store, "a"), "A"); });
@@ -361,7 +368,8 @@ TEST_F(FileStore, WithoutTheRightToWriteTheOldFileStays) {
 TEST_F(FileStore, ADamagedFileThatCannotBeKeptAsideIsNotOverwritten) {
     folder.Write(kFile, "rubbish");
     for (int number = 1; number <= 100; ++number)
-        folder.Write(std::string(kFile) + ".damaged" + (number == 1 ? "" : "." + std::to_string(number)), "older");
+        folder.Write(std::string(kFile) + ".damaged" + (number == 1 ? "" : "." + std::to_string(number)),
+                     "older");
     FileSettingsStore store(Files());
     const std::string told = Told([&] { Set(store, "n", "x"); });
     EXPECT_EQ(OnDisk(), "rubbish");

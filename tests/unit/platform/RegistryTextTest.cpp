@@ -16,7 +16,8 @@ using test::Utf16;
 
 constexpr const char* kKey = "HKEY_CURRENT_USER\\Software\\T";
 const std::string kStart = "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\T]\r\n";
-const std::string kStart5 = "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\T]\r\n";
+const std::string kStart5 =
+    "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\T]\r\n";
 
 struct Read {
     u32 damagedLine;
@@ -29,7 +30,9 @@ Read ReadBytes(const std::string& bytes) {
     if (const RegistryTree::KeyPointer key = text.tree.Find(kKey)) read.lines = Dump(*key);
     return read;
 }
-Read ReadLines(const std::string& lines) { return ReadBytes(kStart + lines); }
+Read ReadLines(const std::string& lines) {
+    return ReadBytes(kStart + lines);
+}
 
 using Lines = std::vector<std::string>;
 
@@ -69,10 +72,13 @@ TEST(RegistryText, ATextMayGoOverLines) {
 TEST(RegistryText, ALostQuoteSwallowsNoOtherLine) {
     ExpectDamaged(ReadLines("\"n\"=\"one\r\n\"m\"=\"x\"\r\n"), 4, {"1 m=x<0>"});
     ExpectDamaged(ReadLines("\"n\"=\"one\r\n@=\"x\"\r\n"), 4, {"1 @=x<0>"});
-    ExpectDamaged(ReadLines("\"n\"=\"one\r\n[HKEY_CURRENT_USER\\Software\\T]\r\n\"m\"=\"x\"\r\n"), 4, {"1 m=x<0>"});
+    ExpectDamaged(ReadLines("\"n\"=\"one\r\n[HKEY_CURRENT_USER\\Software\\T]\r\n\"m\"=\"x\"\r\n"), 4,
+                  {"1 m=x<0>"});
 }
 
-TEST(RegistryText, TheDefaultValueIsAnAtSign) { ExpectWhole(ReadLines("@=\"text\"\r\n"), {"1 @=text<0>"}); }
+TEST(RegistryText, TheDefaultValueIsAnAtSign) {
+    ExpectWhole(ReadLines("@=\"text\"\r\n"), {"1 @=text<0>"});
+}
 
 TEST(RegistryText, DwordsAreLittleEndianBytes) {
     ExpectWhole(ReadLines("\"n\"=dword:80000001\r\n\"m\"=DWORD:aBcD\r\n"),
@@ -87,10 +93,12 @@ TEST(RegistryText, BytesMayGoOverLines) {
 }
 
 TEST(RegistryText, OtherTypesAreNumberedAndKeptByteForByte) {
-    ExpectWhole(ReadLines("\"q\"=hex(b):01,02,03,04,05,06,07,88\r\n\"o\"=hex(0):41\r\n\"x\"=hex(2):25,41,25,00\r\n"
-                          "\"m\"=hex(7):41,00,00\r\n\"u\"=hex(1f):01,ff\r\n\"U\"=HEX(ffff0003):02\r\n\"d\"=hex(4):01,02\r\n"),
-                {"b q=<1><2><3><4><5><6><7><88>", "0 o=A", "2 x=%A%<0>", "7 m=A<0><0>", "ffff0003 u=<2>",
-                 "4 d=<1><2>"});
+    ExpectWhole(
+        ReadLines("\"q\"=hex(b):01,02,03,04,05,06,07,88\r\n\"o\"=hex(0):41\r\n\"x\"=hex(2):25,41,25,00\r\n"
+                  "\"m\"=hex(7):41,00,00\r\n\"u\"=hex(1f):01,ff\r\n\"U\"=HEX(ffff0003):02\r\n\"d\"=hex(4):01,"
+                  "02\r\n"),
+        {"b q=<1><2><3><4><5><6><7><88>", "0 o=A", "2 x=%A%<0>", "7 m=A<0><0>", "ffff0003 u=<2>",
+         "4 d=<1><2>"});
 }
 
 TEST(RegistryText, HexadecimalTextsAreEightBitsInRegedit4) {
@@ -98,10 +106,10 @@ TEST(RegistryText, HexadecimalTextsAreEightBitsInRegedit4) {
 }
 
 TEST(RegistryText, HexadecimalTextsAreUtf16InVersion5) {
-    ExpectWhole(ReadBytes(kStart5 + "\"n\"=hex(1):41,00,e4,00,00,00\r\n\"x\"=hex(2):ac,20,3d,d8,00,de,00,00\r\n"
-                                    "\"m\"=hex(7):41,00,00,00,00,00\r\n\"b\"=hex:41,00\r\n\"u\"=hex(63):41,00\r\n"),
-                {"1 n=A<c3><a4><0>", "2 x=<e2><82><ac><f0><9f><98><80><0>", "7 m=A<0><0>", "3 b=A<0>",
-                 "63 u=A<0>"});
+    ExpectWhole(
+        ReadBytes(kStart5 + "\"n\"=hex(1):41,00,e4,00,00,00\r\n\"x\"=hex(2):ac,20,3d,d8,00,de,00,00\r\n"
+                            "\"m\"=hex(7):41,00,00,00,00,00\r\n\"b\"=hex:41,00\r\n\"u\"=hex(63):41,00\r\n"),
+        {"1 n=A<c3><a4><0>", "2 x=<e2><82><ac><f0><9f><98><80><0>", "7 m=A<0><0>", "3 b=A<0>", "63 u=A<0>"});
 }
 
 TEST(RegistryText, LoneSurrogatesBecomeTheReplacementCharacter) {
@@ -111,8 +119,9 @@ TEST(RegistryText, LoneSurrogatesBecomeTheReplacementCharacter) {
 
 TEST(RegistryText, ValuesAndKeysCanBeDeleted) {
     ExpectWhole(ReadLines("\"a\"=\"x\"\r\n\"b\"=\"y\"\r\n\"A\"=-\r\n@=-\r\n"), {"1 b=y<0>"});
-    const Read read = ReadLines("\"a\"=\"x\"\r\n[HKEY_CURRENT_USER\\Software\\T\\Below]\r\n\"c\"=\"z\"\r\n"
-                                "[-HKEY_CURRENT_USER\\Software\\t]\r\n\"ignored\"=\"x\"\r\n");
+    const Read read = ReadLines(
+        "\"a\"=\"x\"\r\n[HKEY_CURRENT_USER\\Software\\T\\Below]\r\n\"c\"=\"z\"\r\n"
+        "[-HKEY_CURRENT_USER\\Software\\t]\r\n\"ignored\"=\"x\"\r\n");
     ExpectWhole(read, {});
     RegistryText text = ParseRegistryText(kStart + "[-HKEY_CURRENT_USER\\Software\\T]\r\n");
     EXPECT_TRUE(text.tree.IsEmpty());
@@ -123,7 +132,8 @@ TEST(RegistryText, ALaterValueReplacesAnEarlierOne) {
 }
 
 TEST(RegistryText, CommentsAndBlanksDontMatter) {
-    ExpectWhole(ReadLines("; a comment\r\n\r\n   \t\r\n  \"a\" = \"x\" ; behind it\r\n\"b\"=dword:1 ;2\r\n\"c\"=hex:01 ;\r\n"),
+    ExpectWhole(ReadLines("; a comment\r\n\r\n   \t\r\n  \"a\" = \"x\" ; behind it\r\n\"b\"=dword:1 "
+                          ";2\r\n\"c\"=hex:01 ;\r\n"),
                 {"1 a=x<0>", "4 b=<1><0><0><0>", "3 c=<1>"});
 }
 
@@ -133,7 +143,8 @@ TEST(RegistryText, LineEndsMayBeOfEitherKind) {
 }
 
 TEST(RegistryText, KeysAreFoundWithoutRegardToCaseAndTakeTheirValuesTogether) {
-    ExpectWhole(ReadLines("\"a\"=\"x\"\r\n[HKEY_CURRENT_USER\\SOFTWARE\\t\\]\r\n\"b\"=\"y\"\r\n"), {"1 a=x<0>", "1 b=y<0>"});
+    ExpectWhole(ReadLines("\"a\"=\"x\"\r\n[HKEY_CURRENT_USER\\SOFTWARE\\t\\]\r\n\"b\"=\"y\"\r\n"),
+                {"1 a=x<0>", "1 b=y<0>"});
 }
 
 TEST(RegistryText, BracketsMayStandInAKeysName) {
@@ -164,18 +175,39 @@ TEST(RegistryText, Version5MayBeUtf8WithAndWithoutItsMark) {
 
 TEST(RegistryText, WithoutAHeaderTheRestIsReadAllTheSame) {
     ExpectDamaged(ReadBytes("[HKEY_CURRENT_USER\\Software\\T]\r\n\"a\"=\"x\"\r\n"), 1, {"1 a=x<0>"});
-    ExpectDamaged(ReadBytes("REGEDIT\r\n[HKEY_CURRENT_USER\\Software\\T]\r\n\"a\"=\"x\"\r\n"), 1, {"1 a=x<0>"});
+    ExpectDamaged(ReadBytes("REGEDIT\r\n[HKEY_CURRENT_USER\\Software\\T]\r\n\"a\"=\"x\"\r\n"), 1,
+                  {"1 a=x<0>"});
     EXPECT_EQ(ParseRegistryText("").damagedLine, 1u);
     EXPECT_EQ(ParseRegistryText("REGEDIT4").damagedLine, 0u);
     EXPECT_EQ(ParseRegistryText("REGEDIT4  \r\n").damagedLine, 0u);
 }
 
 TEST(RegistryText, ABadLineIsToldByItsNumberAndStopsNoOther) {
-    for (const char* bad :
-         {"garbage", "\"n\"", "\"n\"=", "\"n\"x", "\"n=\"x\"", "\"n\"=text", "\"n\"=dword:", "\"n\"=dword:g",
-          "\"n\"=dword:123456789", "\"n\"=dword:1 x", "\"n\"=hex", "\"n\"=hex(", "\"n\"=hex():01", "\"n\"=hex(3:01",
-          "\"n\"=hex(123456789):01", "\"n\"=hex:0g", "\"n\"=hex:123", "\"n\"=hex:01,", "\"n\"=hex:01 02", "\"n\"=hex:,01",
-          "\"n\"=hex:01,\\ 02", "\"n\"=\"x\" y", "\"n\"=-x", "@", "="}) {
+    for (const char* bad : {"garbage",
+                            "\"n\"",
+                            "\"n\"=",
+                            "\"n\"x",
+                            "\"n=\"x\"",
+                            "\"n\"=text",
+                            "\"n\"=dword:",
+                            "\"n\"=dword:g",
+                            "\"n\"=dword:123456789",
+                            "\"n\"=dword:1 x",
+                            "\"n\"=hex",
+                            "\"n\"=hex(",
+                            "\"n\"=hex():01",
+                            "\"n\"=hex(3:01",
+                            "\"n\"=hex(123456789):01",
+                            "\"n\"=hex:0g",
+                            "\"n\"=hex:123",
+                            "\"n\"=hex:01,",
+                            "\"n\"=hex:01 02",
+                            "\"n\"=hex:,01",
+                            "\"n\"=hex:01,\\ 02",
+                            "\"n\"=\"x\" y",
+                            "\"n\"=-x",
+                            "@",
+                            "="}) {
         const Read read = ReadLines("\"a\"=\"x\"\r\n" + std::string(bad) + "\r\n\"b\"=\"y\"\r\n");
         SCOPED_TRACE(bad);
         ExpectDamaged(read, 5, {"1 a=x<0>", "1 b=y<0>"});
@@ -183,8 +215,9 @@ TEST(RegistryText, ABadLineIsToldByItsNumberAndStopsNoOther) {
 }
 
 TEST(RegistryText, ABadKeyTakesItsValuesWithIt) {
-    for (const char* bad : {"[HKEY_CURRENT_USER\\Software\\T", "[HKEY_CURRENT_USER\\Software\\T]x", "[]", "[-]", "[\\]",
-                            "[Software\\T]", "[HKEY_CURRENT_USER\\\\Software\\T]", "[\\HKEY_CURRENT_USER\\Software\\T]"}) {
+    for (const char* bad :
+         {"[HKEY_CURRENT_USER\\Software\\T", "[HKEY_CURRENT_USER\\Software\\T]x", "[]", "[-]", "[\\]",
+          "[Software\\T]", "[HKEY_CURRENT_USER\\\\Software\\T]", "[\\HKEY_CURRENT_USER\\Software\\T]"}) {
         const Read read = ReadLines("\"a\"=\"x\"\r\n" + std::string(bad) + "\r\n\"b\"=\"y\"\r\n");
         SCOPED_TRACE(bad);
         ExpectDamaged(read, 5, {"1 a=x<0>"});
@@ -238,12 +271,16 @@ TEST(RegistryText, IsWrittenAsRegedit4) {
               "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\A]\r\n\r\n[HKEY_CURRENT_USER\\Software\\B]\r\n"
               "\"text\"=\"C:\\\\a \\\"b\\\" \xe4\"\r\n@=\"default\"\r\n\"dword\"=dword:8000000a\r\n"
               "\"qword\"=hex(b):01,00,00,00,00,00,00,00\r\n"
-              "\"bytes\"=hex:ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,\\\r\n  ab\r\n"
-              "\"empty\"=hex:\r\n\"two lines\"=hex(1):61,0d,0a,62,00\r\n\"open\"=hex(1):61\r\n\"short\"=hex(4):61\r\n"
+              "\"bytes\"=hex:ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,ab,"
+              "\\\r\n  ab\r\n"
+              "\"empty\"=hex:\r\n\"two "
+              "lines\"=hex(1):61,0d,0a,62,00\r\n\"open\"=hex(1):61\r\n\"short\"=hex(4):61\r\n"
               "\"odd \\\"name\\\"\\\\\"=hex(1f):61\r\n");
 }
 
-TEST(RegistryText, AnEmptyTreeIsAHeader) { EXPECT_EQ(FormatRegistryText(RegistryTree()), "REGEDIT4\r\n"); }
+TEST(RegistryText, AnEmptyTreeIsAHeader) {
+    EXPECT_EQ(FormatRegistryText(RegistryTree()), "REGEDIT4\r\n");
+}
 
 class RegistrySample : public ::testing::TestWithParam<const char*> {
   protected:
@@ -284,10 +321,12 @@ TEST_P(RegistrySample, KeepsWhatStandsBeforeATear) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, RegistrySample,
-                         ::testing::Values("linux.reg", "wine-export.reg", "windows-export.reg", "all-forms.reg"),
+                         ::testing::Values("linux.reg", "wine-export.reg", "windows-export.reg",
+                                           "all-forms.reg"),
                          [](const auto& sample) {
                              std::string name(sample.param);
-                             std::replace_if(name.begin(), name.end(), [](char c) { return !std::isalnum(c); }, '_');
+                             std::replace_if(
+                                 name.begin(), name.end(), [](char c) { return !std::isalnum(c); }, '_');
                              return name;
                          });
 

@@ -65,7 +65,8 @@ TEST(RegistryTree, ValuesStandInTheOrderOfTheirMaking) {
 
 TEST(RegistryTree, AValidPathHasNoEmptyComponent) {
     for (const char* path : {"R", "R\\A", "R\\A b\\c]"}) EXPECT_TRUE(RegistryTree::IsValidPath(path)) << path;
-    for (const char* path : {"", "\\", "\\R", "R\\", "R\\\\A"}) EXPECT_FALSE(RegistryTree::IsValidPath(path)) << path;
+    for (const char* path : {"", "\\", "\\R", "R\\", "R\\\\A"})
+        EXPECT_FALSE(RegistryTree::IsValidPath(path)) << path;
 }
 
 // A store over what a registry text told: how a configuration file is used without touching the user's own.
@@ -91,8 +92,8 @@ TEST(TreeSettingsStore, GivesACopyOfItsTree) {
     RegistryTree copy = store.Tree();
     store.Set(key, "n", ValueType::Binary, "y", 1);
     store.Close(key);
-    EXPECT_EQ(test::Dump(copy),
-              (std::vector<std::string>{"[HKEY_CURRENT_USER\\Software\\A]", "[HKEY_CURRENT_USER\\Software\\A] 3 n=x"}));
+    EXPECT_EQ(test::Dump(copy), (std::vector<std::string>{"[HKEY_CURRENT_USER\\Software\\A]",
+                                                          "[HKEY_CURRENT_USER\\Software\\A] 3 n=x"}));
 }
 
 }  // namespace

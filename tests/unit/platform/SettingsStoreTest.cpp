@@ -1,5 +1,5 @@
-// What every settings store does: the one in memory and the running system's, which is the registry on Windows and
-// a file (in a folder of the test's own) on Linux.
+// What every settings store does: the one in memory and the running system's, which is the registry on
+// Windows and a file (in a folder of the test's own) on Linux.
 #include "platform/SettingsStore.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +23,8 @@ class AnyStore : public ::testing::TestWithParam<const char*> {
 
     // Deepest first; a key with others below it is not deleted.
     void Clean() {
-        for (const char* below : {"\\a\\b", "\\a", "\\A b\\c d", "\\A b", ""}) store.Delete(Path(below).c_str());
+        for (const char* below : {"\\a\\b", "\\a", "\\A b\\c d", "\\A b", ""})
+            store.Delete(Path(below).c_str());
     }
     std::string Path(const std::string& below = "") { return tested.Root() + below; }
     StoreKey Make(const std::string& below = "") {
@@ -238,7 +239,8 @@ TEST_P(AnyStore, ManyThreadsWorkAtOnce) {
             const std::string name = "n" + std::to_string(number);
             const std::string below = Path("\\a\\b");
             for (int round = 0; round < 50; ++round) {
-                Set(key, name.c_str(), ValueType::Binary, std::string(1 + static_cast<std::size_t>(round), 'x'));
+                Set(key, name.c_str(), ValueType::Binary,
+                    std::string(1 + static_cast<std::size_t>(round), 'x'));
                 if (const StoreKey other = store.Create(nullptr, below.c_str())) store.Close(other);
                 store.Delete(below.c_str());
             }

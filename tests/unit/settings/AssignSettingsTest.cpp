@@ -98,7 +98,8 @@ TEST_F(AssignSettings, ReplacesTheListsWithRecordsOfItsOwn) {
     EXPECT_EQ(target.distrustedHosts.Count(), 1u);
     EXPECT_EQ(target.watchedHosts.Count(), 1u);
     EXPECT_EQ(target.pluginStates.Count(), 1u);
-    EXPECT_EQ(Bytes(target.pluginStates.FindValue("new")->Read()), Bytes(plugin)) << "plugins that are off as well";
+    EXPECT_EQ(Bytes(target.pluginStates.FindValue("new")->Read()), Bytes(plugin))
+        << "plugins that are off as well";
     EXPECT_EQ(Bytes(target.trustedHosts.FindValue("10.0.0.1")->Read()), Bytes(Listed("10.0.0.1")));
     EXPECT_EQ(Bytes(target.distrustedHosts.FindValue("10.0.0.2")->Read()), Bytes(Listed("10.0.0.2")));
     EXPECT_EQ(Bytes(target.watchedHosts.FindValue("10.0.0.3")->Read()), Bytes(Watched("10.0.0.3", 1)));

@@ -1,4 +1,5 @@
-// Reading and writing the settings as a whole: rules between values, orders, setters, and what failures leave.
+// Reading and writing the settings as a whole: rules between values, orders, setters, and what failures
+// leave.
 #include <algorithm>
 
 #include "tests/unit/support/SettingsFixture.h"
@@ -209,31 +210,35 @@ TEST_F(ReadRectangle, TakesWhatAShortValueHas) {
 
 // ---- orders ----
 
+// clang-format off
 const std::vector<std::string> kReadOrder = {
     "AutoStart", "AutoCapture", "UseToolTips", "Visualization", "NotifyTrusted", "MACSpoofingVisualization",
     "MACSpoofingVisualizationStyle", "SaveViewWindow", "SavedViewWindowDimension", "SaveColumnWidth",
-    "RAIgnoreLocalhost", "RAIgnoreTrustedHosts", "RAIgnoreIPCNoUsername", "RAVisualization", "RAVisualizationType",
-    "VisibleColumns", "DeleteARPCache", "GreyedOutOldEntries", "UseWMI", "UpdateCheck", "LastUpdateTime",
-    "ShareSearch", "ShareVisualization", "ShareUseToolTips", "OtherAppDistrusted", "OtherAppUnknown",
-    "ViewFilterOptions", "ReportOptions", "ReportInterval", "WatchInterval", "WatchConfirm", "WatchVisualization",
-    "UsingEventLog", "EventLogSave", "MaxEventLogFileSize", "Syslog", "SyslogMaxEntries", "SyslogNotification",
-    "SyslogNotificationLevel", "SyslogNotificationType", "SyslogNotificationFacility", "ViewGrayTime",
-    "ViewOfflineRed", "ViewHideSecure", "SyslogNotificationWords", "Interface", "Language", "TrustedApp",
-    "TrustedAppParams", "OtherApp", "OtherAppParams", "ReportTemplate", "ReportPath", "MACListVersion"};
+    "RAIgnoreLocalhost", "RAIgnoreTrustedHosts", "RAIgnoreIPCNoUsername", "RAVisualization",
+    "RAVisualizationType", "VisibleColumns", "DeleteARPCache", "GreyedOutOldEntries", "UseWMI",
+    "UpdateCheck", "LastUpdateTime", "ShareSearch", "ShareVisualization", "ShareUseToolTips",
+    "OtherAppDistrusted", "OtherAppUnknown", "ViewFilterOptions", "ReportOptions", "ReportInterval",
+    "WatchInterval", "WatchConfirm", "WatchVisualization", "UsingEventLog", "EventLogSave",
+    "MaxEventLogFileSize", "Syslog", "SyslogMaxEntries", "SyslogNotification", "SyslogNotificationLevel",
+    "SyslogNotificationType", "SyslogNotificationFacility", "ViewGrayTime", "ViewOfflineRed",
+    "ViewHideSecure", "SyslogNotificationWords", "Interface", "Language", "TrustedApp", "TrustedAppParams",
+    "OtherApp", "OtherAppParams", "ReportTemplate", "ReportPath", "MACListVersion"};
 
 const std::vector<std::string> kWriteOrder = {
     "set AutoStart", "set AutoCapture", "set UseToolTips", "set Visualization", "set NotifyTrusted",
-    "set MACSpoofingVisualization", "set MACSpoofingVisualizationStyle", "set SaveColumnWidth", "set SaveViewWindow",
-    "set RAIgnoreLocalhost", "set RAIgnoreTrustedHosts", "set RAIgnoreIPCNoUsername", "set VisibleColumns",
-    "set DeleteARPCache", "set GreyedOutOldEntries", "set UseWMI", "set UpdateCheck", "set ShareSearch",
-    "set ShareVisualization", "set ShareUseToolTips", "set OtherAppDistrusted", "set OtherAppUnknown",
-    "set RAVisualization", "set RAVisualizationType", "set ViewFilterOptions", "set ReportInterval",
-    "set ReportOptions", "set WatchConfirm", "set WatchInterval", "set WatchVisualization", "set UsingEventLog",
-    "set EventLogSave", "set MaxEventLogFileSize", "set Syslog", "set SyslogMaxEntries", "set SyslogNotification",
-    "set SyslogNotificationLevel", "set SyslogNotificationType", "set SyslogNotificationFacility",
-    "set ViewHideSecure", "set ViewOfflineRed", "set ViewGrayTime", "set SavedViewWindowDimension",
-    "no autostart Vardelwatch", "set Interface", "set Language", "set TrustedApp", "set TrustedAppParams",
-    "set OtherApp", "set OtherAppParams", "set ReportPath", "set ReportTemplate", "set SyslogNotificationWords"};
+    "set MACSpoofingVisualization", "set MACSpoofingVisualizationStyle", "set SaveColumnWidth",
+    "set SaveViewWindow", "set RAIgnoreLocalhost", "set RAIgnoreTrustedHosts", "set RAIgnoreIPCNoUsername",
+    "set VisibleColumns", "set DeleteARPCache", "set GreyedOutOldEntries", "set UseWMI", "set UpdateCheck",
+    "set ShareSearch", "set ShareVisualization", "set ShareUseToolTips", "set OtherAppDistrusted",
+    "set OtherAppUnknown", "set RAVisualization", "set RAVisualizationType", "set ViewFilterOptions",
+    "set ReportInterval", "set ReportOptions", "set WatchConfirm", "set WatchInterval",
+    "set WatchVisualization", "set UsingEventLog", "set EventLogSave", "set MaxEventLogFileSize",
+    "set Syslog", "set SyslogMaxEntries", "set SyslogNotification", "set SyslogNotificationLevel",
+    "set SyslogNotificationType", "set SyslogNotificationFacility", "set ViewHideSecure",
+    "set ViewOfflineRed", "set ViewGrayTime", "set SavedViewWindowDimension", "no autostart Vardelwatch",
+    "set Interface", "set Language", "set TrustedApp", "set TrustedAppParams", "set OtherApp",
+    "set OtherAppParams", "set ReportPath", "set ReportTemplate", "set SyslogNotificationWords"};
+// clang-format on
 
 // Calls for a list without records.
 std::vector<std::string> EmptyListCalls(const std::string& name) {
@@ -380,90 +385,6 @@ TEST_F(ReadSettings, AStoreThatFailsEveryQueryReadsAsMissingValues) {
     EXPECT_EQ(settings.WatchInterval, 4294967295u);
     EXPECT_EQ(settings.ViewFilterOptions, 7);
     EXPECT_EQ(settings.Syslog, 1);
-}
-
-// ---- setters ----
-
-struct SetterCase {
-    const char* name;
-    std::function<bool(VardelSettings&)> write;
-    ValueType type;
-    std::string data;
-};
-const SetterCase kSetters[] = {
-    {"SavedViewWindowDimension",
-     [](VardelSettings& s) {
-         s.SavedViewWindowDimension.Write({1, 2, 3, 4});
-         return s.WriteSavedViewWindowDimension();
-     },
-     ValueType::Binary, std::string("\1\0\0\0\2\0\0\0\3\0\0\0\4\0\0\0", 16)},
-    {"Language",
-     [](VardelSettings& s) {
-         s.Language = "Deutsch";
-         return s.WriteLanguage();
-     },
-     ValueType::Text, std::string("Deutsch", 8)},
-    {"ViewFilterOptions",
-     [](VardelSettings& s) {
-         s.ViewFilterOptions = 3;
-         return s.WriteViewFilterOptions();
-     },
-     ValueType::Dword, std::string("\3\0\0\0", 4)},
-    {"LastUpdateTime",
-     [](VardelSettings& s) {
-         s.LastUpdateTime = 0x1122334455667788;
-         return s.WriteLastUpdateTime();
-     },
-     ValueType::Qword, std::string("\x88\x77\x66\x55\x44\x33\x22\x11", 8)},
-    {"MACListVersion", [](VardelSettings& s) { return s.WriteMACListVersion(0x80000001u); }, ValueType::Dword,
-     std::string("\1\0\0\x80", 4)},
-};
-
-class Setter : public SettingsFixture, public ::testing::WithParamInterface<SetterCase> {
-  protected:
-    VardelSettings settings;
-};
-
-TEST_P(Setter, MakesTheKeyAndWritesItsValueAlone) {
-    EXPECT_TRUE(GetParam().write(settings));
-    EXPECT_EQ(store.calls,
-              (std::vector<std::string>{"open " + kSettings, "create " + kProduct, "create " + kSettings,
-                                        "open " + kSettings, std::string("set ") + GetParam().name}));
-    const RegistryValue* value = store.Value(kSettings, GetParam().name);
-    ASSERT_TRUE(value);
-    EXPECT_EQ(value->type, GetParam().type);
-    EXPECT_EQ(value->data, GetParam().data);
-    EXPECT_EQ(store.batchesEnded, 1);
-}
-
-TEST_P(Setter, UsesTheKeyThatIsThere) {
-    store.PutDword(kSettings, "AutoStart", 1);
-    EXPECT_TRUE(GetParam().write(settings));
-    EXPECT_EQ(store.calls,
-              (std::vector<std::string>{"open " + kSettings, std::string("set ") + GetParam().name}));
-}
-
-TEST_P(Setter, FailsWhenAnyStepToTheKeyFails) {
-    for (const std::string& step : {"create " + kProduct, "create " + kSettings, "open " + kSettings}) {
-        store.fails = [&](const std::string& call) { return call == step; };
-        EXPECT_FALSE(GetParam().write(settings)) << step;
-        EXPECT_TRUE(store.ValueNames(kSettings).empty());
-        store.tree.Delete(kSettings.c_str());
-    }
-}
-
-TEST_P(Setter, IsContentOnceTheKeyIsReached) {
-    store.fails = [](const std::string& call) { return call.starts_with("set "); };
-    EXPECT_TRUE(GetParam().write(settings));
-}
-
-INSTANTIATE_TEST_SUITE_P(Settings, Setter, ::testing::ValuesIn(kSetters),
-                         [](const auto& tested) { return std::string(tested.param.name); });
-
-TEST_F(WriteSettings, MacListVersionIsWrittenFromItsArgumentAndTheFieldStays) {
-    settings.MACListVersion = 3;
-    EXPECT_TRUE(settings.WriteMACListVersion(9));
-    EXPECT_EQ(settings.MACListVersion, 3);
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// Each single value of the settings: its default, what a missing value means and what odd stored numbers become.
+// Each single value of the settings: its default, what a missing value means and what odd stored numbers
+// become.
 #include <functional>
 
 #include "tests/unit/support/SettingsFixture.h"
@@ -23,8 +24,8 @@ struct NumberCase {
     i64 toWrite;
 };
 
-#define FIELD(field)                                                                        \
-    #field, [](const VardelSettings& s) -> i64 { return s.field.Get(); },                   \
+#define FIELD(field) \
+#field, [](const VardelSettings& s) -> i64 { return s.field.Get(); },                   \
         [](VardelSettings& s, i64 number) {                                                 \
             s.field = static_cast<std::remove_cvref_t<decltype(s.field.Get())>>(number);    \
         }
@@ -33,8 +34,10 @@ constexpr i64 kMaxUnsigned = 4294967295;
 
 const std::vector<Stored> kOnlyOne = {{0, 0}, {1, 1}, {2, 0}, {-1, 0}, {256, 0}, {257, 0}};
 const std::vector<Stored> kNonZero = {{0, 0}, {1, 1}, {2, 1}, {-1, 1}, {256, 1}, {-2147483648, 1}};
-const std::vector<Stored> kSigned = {{0, 0}, {1, 1}, {-1, -1}, {2147483647, 2147483647}, {-2147483648, -2147483648}};
-const std::vector<Stored> kUnsigned = {{0, 0}, {1, 1}, {-1, kMaxUnsigned}, {2147483648, 2147483648}, {9999, 9999}};
+const std::vector<Stored> kSigned = {
+    {0, 0}, {1, 1}, {-1, -1}, {2147483647, 2147483647}, {-2147483648, -2147483648}};
+const std::vector<Stored> kUnsigned = {
+    {0, 0}, {1, 1}, {-1, kMaxUnsigned}, {2147483648, 2147483648}, {9999, 9999}};
 
 const NumberCase kNumbers[] = {
     {FIELD(AutoCapture), 0, 0, kOnlyOne, 1},
@@ -44,7 +47,11 @@ const NumberCase kNumbers[] = {
     {FIELD(NotifyTrusted), 0, 0, kOnlyOne, 1},
     {FIELD(MACSpoofingVisualization), 0, 0, kOnlyOne, 1},
     {FIELD(MACSpoofingVisualizationStyle), 1, 0, kOnlyOne, 0},
-    {FIELD(VisibleColumns), 0, 0, {{0, 0}, {10110, 10110}, {-1, 0}, {-2147483648, 0}, {2147483646, 2147483646}}, 11110},
+    {FIELD(VisibleColumns),
+     0,
+     0,
+     {{0, 0}, {10110, 10110}, {-1, 0}, {-2147483648, 0}, {2147483646, 2147483646}},
+     11110},
     {FIELD(SaveColumnWidth), 0, 0, kOnlyOne, 1},
     {FIELD(SaveViewWindow), 0, 0, kOnlyOne, 1},
     {FIELD(RAIgnoreLocalhost), 0, 0, kOnlyOne, 1},
@@ -94,7 +101,9 @@ class NumberValue : public SettingsFixture, public ::testing::WithParamInterface
     }
 };
 
-TEST_P(NumberValue, HasItsDefault) { EXPECT_EQ(GetParam().get(VardelSettings()), GetParam().byDefault); }
+TEST_P(NumberValue, HasItsDefault) {
+    EXPECT_EQ(GetParam().get(VardelSettings()), GetParam().byDefault);
+}
 
 TEST_P(NumberValue, ReadsAsToldWhenItIsMissing) {
     VardelSettings settings;
@@ -110,7 +119,8 @@ TEST_P(NumberValue, ReadsAsMissingWhenItIsOfAnotherType) {
 }
 
 TEST_P(NumberValue, ReadsStoredNumbersByItsRule) {
-    for (const Stored& stored : GetParam().stored) EXPECT_EQ(ReadWith(stored.number), stored.becomes) << stored.number;
+    for (const Stored& stored : GetParam().stored)
+        EXPECT_EQ(ReadWith(stored.number), stored.becomes) << stored.number;
 }
 
 TEST_P(NumberValue, IsWrittenAsADwordOfItsName) {
@@ -137,11 +147,13 @@ TEST_P(NumberValue, IsCopiedByAssignment) {
 const auto kNameOf = [](const auto& tested) { return std::string(tested.param.name); };
 INSTANTIATE_TEST_SUITE_P(Settings, NumberValue, ::testing::ValuesIn(kNumbers), kNameOf);
 
-TEST(SettingsValues, TheTableOfThisTestHasAllFortyTwoNumbers) { EXPECT_EQ(std::size(kNumbers), 42u); }
+TEST(SettingsValues, TheTableOfThisTestHasAllFortyTwoNumbers) {
+    EXPECT_EQ(std::size(kNumbers), 42u);
+}
 
 struct TextCase {
     const char* name;
-    TcString VardelSettings::* field;
+    TcString VardelSettings::*field;
     bool assigned;
 };
 const TextCase kTexts[] = {
@@ -172,7 +184,9 @@ class TextValue : public SettingsFixture, public ::testing::WithParamInterface<T
     }
 };
 
-TEST_P(TextValue, IsEmptyByDefault) { EXPECT_TRUE((VardelSettings().*GetParam().field).IsEmpty()); }
+TEST_P(TextValue, IsEmptyByDefault) {
+    EXPECT_TRUE((VardelSettings().*GetParam().field).IsEmpty());
+}
 
 TEST_P(TextValue, IsEmptyWhenItIsMissing) {
     RecordingStore bare;

@@ -34,7 +34,9 @@ class RecordingStore : public SettingsStore {
         paths_.erase(key);
         tree.Close(key);
     }
-    bool Delete(const char* path) override { return Record(std::string("delete ") + path) && tree.Delete(path); }
+    bool Delete(const char* path) override {
+        return Record(std::string("delete ") + path) && tree.Delete(path);
+    }
     StoreResult Query(StoreKey key, const char* name, ValueType& type, void* data, u32& size) override {
         if (!Record(std::string("query ") + name)) return StoreResult::Failed;
         return tree.Query(key, name, type, data, size);
@@ -61,7 +63,8 @@ class RecordingStore : public SettingsStore {
 
     // ---- what tests put in and look at ----
 
-    void Put(const std::string& path, const std::string& name, ValueType type, const void* data, std::size_t size) {
+    void Put(const std::string& path, const std::string& name, ValueType type, const void* data,
+             std::size_t size) {
         const StoreKey key = tree.Create(nullptr, path.c_str());
         tree.Set(key, name.c_str(), type, data, static_cast<u32>(size));
         tree.Close(key);

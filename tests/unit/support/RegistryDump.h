@@ -22,8 +22,10 @@ inline std::string HexOf(u32 value) {
 inline std::string Printable(const std::string& bytes) {
     std::string text;
     for (const char c : bytes) {
-        if (c >= 0x20 && c < 0x7f) text += c;
-        else text.append(1, '<').append(HexOf(static_cast<u8>(c))).append(1, '>');
+        if (c >= 0x20 && c < 0x7f)
+            text += c;
+        else
+            text.append(1, '<').append(HexOf(static_cast<u8>(c))).append(1, '>');
     }
     return text;
 }

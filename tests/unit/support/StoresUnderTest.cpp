@@ -16,13 +16,21 @@ std::string OwnName() {
 StoreUnderTest::StoreUnderTest(const std::string& kind)
     : system_(kind == "System" ? MakeSystemStoreUnderTest() : nullptr), name_(OwnName()) {}
 
-StoreUnderTest::~StoreUnderTest() { Store().RemoveAutostart(AutostartName().c_str()); }
+StoreUnderTest::~StoreUnderTest() {
+    Store().RemoveAutostart(AutostartName().c_str());
+}
 
-SettingsStore& StoreUnderTest::Store() { return system_ ? system_->Store() : memory_; }
+SettingsStore& StoreUnderTest::Store() {
+    return system_ ? system_->Store() : memory_;
+}
 
-std::string StoreUnderTest::Root() const { return name_; }
+std::string StoreUnderTest::Root() const {
+    return name_;
+}
 
-std::string StoreUnderTest::AutostartName() const { return name_; }
+std::string StoreUnderTest::AutostartName() const {
+    return name_;
+}
 
 bool StoreUnderTest::HasAutostart() {
     return system_ ? system_->HasAutostart(name_) : memory_.Autostarts().count(name_) != 0;

@@ -17,11 +17,14 @@ class FileStoreUnderTest : public SystemStoreUnderTest {
 
   private:
     TestFolder folder_;
-    FileSettingsStore store_{{folder_.Path("settings.reg"), folder_.Path("autostart"), "/usr/bin/vardelwatch"}};
+    FileSettingsStore store_{
+        {folder_.Path("settings.reg"), folder_.Path("autostart"), "/usr/bin/vardelwatch"}};
 };
 
 }  // namespace
 
-std::unique_ptr<SystemStoreUnderTest> MakeSystemStoreUnderTest() { return std::make_unique<FileStoreUnderTest>(); }
+std::unique_ptr<SystemStoreUnderTest> MakeSystemStoreUnderTest() {
+    return std::make_unique<FileStoreUnderTest>();
+}
 
 }  // namespace vardel::test

@@ -24,6 +24,8 @@ class RegistryUnderTest : public SystemStoreUnderTest {
 
 }  // namespace
 
-std::unique_ptr<SystemStoreUnderTest> MakeSystemStoreUnderTest() { return std::make_unique<RegistryUnderTest>(); }
+std::unique_ptr<SystemStoreUnderTest> MakeSystemStoreUnderTest() {
+    return std::make_unique<RegistryUnderTest>();
+}
 
 }  // namespace vardel::test
