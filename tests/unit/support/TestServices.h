@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/CommandLine.h"
+#include "foundation/Shared.h"
 #include "platform/Services.h"
 #include "tests/unit/support/ScriptedRawIcmp.h"
 #include "tests/unit/support/ScriptedShareEnumeration.h"
@@ -70,7 +71,8 @@ class ScriptedResolver : public Resolver {
 
 class ScriptedStrings : public StringResources {
   public:
-    int Load(ModuleHandle, u32 id, char* buffer, int size) override {
+    int Load(ModuleHandle module, u32 id, char* buffer, int size) override {
+        lastModule = module;
         if (onLoad) onLoad(id);
         const auto found = texts.find(id);
         const std::string text =
@@ -92,6 +94,7 @@ class ScriptedStrings : public StringResources {
         {145, "Capturing stopped - no interface"},
         {146, "Syslog notification"},
     };
+    Shared<ModuleHandle> lastModule;     // of the last look-up
     std::function<void(u32 id)> onLoad;  // where a test wants to hold the thread that asks
 };
 
