@@ -9,6 +9,7 @@ class NoFrame : public VardelFrame {
   public:
     bool CreateApp(VardelData&, Vardel&) override { return true; }
     void ShowError(const char*, const char*) override {}
+    std::unique_ptr<NotifyPopup> MakeUpdatePopup() override { return nullptr; }
 };
 
 }  // namespace vardel::test
