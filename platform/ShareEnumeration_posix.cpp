@@ -106,6 +106,9 @@ class SambaShareEnumeration : public ShareEnumeration {
         if (!AddressOf(server, address)) return EINVAL;
         const SambaClient* client = LoadSambaClient();
         if (!client) return ENOSYS;
+        // The library sets itself up with the first connection and takes itself down with the last one, each time leaving
+        // a little memory behind. One that is never used and never ended keeps it up.
+        [[maybe_unused]] static const Connection* const held = new Connection(*client);
         Connection connection(*client);
         if (const int failure = connection.Open(address)) return static_cast<u32>(failure);
         while (const smbc_dirent* found = connection.Next()) {
