@@ -5,6 +5,8 @@
 #include <memory>
 #include <new>
 
+#include "foundation/TextTrim.h"
+
 namespace vardel {
 
 namespace {
@@ -18,16 +20,9 @@ struct CloseFile {
 };
 using OpenFile = std::unique_ptr<std::FILE, CloseFile>;
 
-std::string_view Trimmed(std::string_view text) {
-    constexpr const char* blanks = " \t\r\n";  // as TcString::Trim
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos) return text.substr(0, 0);
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
 void StoreVendor(VendorMap& vendors, const TcString& key, std::string_view field) {
     // Cut first, trimmed then. Trimming also takes the CR of a CR LF, where the system's text mode left it.
-    const std::string_view name = Trimmed(field.substr(0, kLongestVendorText));
+    const std::string_view name = TrimmedText(field.substr(0, kLongestVendorText));
     auto vendor = std::make_unique<TcString>();
     vendor->Set(name.data(), static_cast<int>(name.size()));
     vendors.Insert(key, std::move(vendor));

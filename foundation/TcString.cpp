@@ -1,6 +1,8 @@
 #include "foundation/TcString.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <memory>
 #include <string>
 #include <thread>
@@ -231,7 +233,12 @@ TcString& TcString::operator+=(const char* text) {
 
 TcString& TcString::operator+=(int number) { return *this += std::to_string(number).c_str(); }
 
-int TcString::GetContentAsInt() const { return static_cast<int>(std::strtol(Data(), nullptr, 10)); }
+int TcString::GetContentAsInt() const {
+    // A `long` is wider on one system only; the ends of an int hold everywhere.
+    const long long number = std::strtoll(Data(), nullptr, 10);
+    using Limits = std::numeric_limits<int>;
+    return static_cast<int>(std::clamp<long long>(number, Limits::min(), Limits::max()));
+}
 
 int TcString::Find(const char* text) const {
     const char* hit = std::strstr(Data(), text);

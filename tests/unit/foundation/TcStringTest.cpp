@@ -224,6 +224,14 @@ TEST(TcString, TokensSkipRunsOfDelimiters) {
 TEST(TcString, ReadsDecimalNumbers) {
     EXPECT_EQ(TcString("-17 apples").GetContentAsInt(), -17);
     EXPECT_EQ(TcString("").GetContentAsInt(), 0);
+    EXPECT_EQ(TcString(" \t+8.").GetContentAsInt(), 8);
+}
+
+TEST(TcString, ANumberTooGreatIsTheGreatestOneOnEverySystem) {
+    for (const char* number : {"2147483647", "2147483648", "4294967297", "99999999999999999999999999"})
+        EXPECT_EQ(TcString(number).GetContentAsInt(), 2147483647) << number;
+    for (const char* number : {"-2147483648", "-2147483649", "-4294967297", "-99999999999999999999999999"})
+        EXPECT_EQ(TcString(number).GetContentAsInt(), -2147483647 - 1) << number;
 }
 
 TEST(TcString, HandsItsBufferOutForWriting) {
