@@ -37,6 +37,11 @@ class VardelData {
     // A user text by its id, in the current language, cut to `size` - 1 characters.
     void LoadText(u32 id, char* buffer, int size) const;
 
+    // Ask the update server whether a newer program or vendor list is on offer (see updates/UpdateCheck.h), and
+    // leave what is in newestProgramVersion and newestMacListVersion. They hold the calling thread meanwhile.
+    bool CheckProgramUpdate();
+    bool CheckMacListUpdate();
+
     // Builds the set of words from a comma-separated list and puts it in place at once.
     void ParseNotificationWords(const TcString& words);
 
@@ -59,7 +64,7 @@ class VardelData {
     SyslogNotifyList syslogNotifications;
     Shared<u8> interfaceChanged;
     Shared<u8> capturing;
-    TcString newestProgramVersion;
+    TcString newestProgramVersion;  // as the server wrote it; empty when none is on offer
     Shared<i32> newestMacListVersion = 1;
     Fences fences;
     Shared<ModuleHandle> resourceInstance;
