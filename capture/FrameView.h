@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstring>
+#include <string_view>
 
 #include "platform/Types.h"
 
@@ -40,6 +41,13 @@ class FrameView {
         u32 length = 0;
         while (length < limit && At(After(offset, length)) != 0) ++length;
         return length;
+    }
+
+    // The same text, of any length; it borrows the frame.
+    std::string_view Text(u32 offset) const {
+        if (offset >= size_) return {};
+        const std::string_view rest(reinterpret_cast<const char*>(bytes_) + offset, size_ - offset);
+        return rest.substr(0, rest.find('\0'));
     }
 
     // The frame from `offset` on, at most `count` bytes.

@@ -3,7 +3,9 @@
 #include <new>
 
 #include "capture/AddressText.h"
+#include "capture/DeviceAnnouncement.h"
 #include "capture/NetBiosBrowse.h"
+#include "capture/SsdpReception.h"
 #include "capture/SyslogReception.h"
 #include "foundation/TcTrace.h"
 
@@ -17,13 +19,14 @@ constexpr u32 kSourceIpAt = 26;
 constexpr u32 kSourcePortAt = 34;
 constexpr u32 kDestinationPortAt = 36;
 constexpr u32 kUdpLengthAt = 38;
+constexpr u32 kPayloadAt = 42;
 
 constexpr u8 kUdp = 17;
 constexpr u16 kNetBiosPort = 138;
 constexpr u16 kSyslogPort = 514;
 constexpr u16 kSsdpPort = 1900;
 constexpr u16 kDevicePort = 22936;
-constexpr u16 kDeviceUdpLength = 8 + 320;  // header and announcement
+constexpr u16 kDeviceUdpLength = 8 + kDeviceAnnouncementSize;  // with the header
 
 constexpr char kComponent[] = "VardelIPImpl";
 constexpr char kReceiving[] = "Receiving packet";
@@ -67,6 +70,10 @@ u32 VardelIPImpl::PacketReceived(const pcap_pkthdr* header, const u8* frame, Var
             BrowseReceived(view, *data);
         else if (route == Route::Syslog)
             SyslogReceived(view, *data);
+        else if (route == Route::Ssdp)
+            SsdpReceived(view, *data);
+        else if (route == Route::Device)
+            DeviceReceived(view, *data);
     } catch (const std::bad_alloc&) {
         // What was not applied yet is dropped; the capture goes on with the next frame.
     }
@@ -85,6 +92,25 @@ void VardelIPImpl::BrowseReceived(const FrameView& frame, VardelData& data) {
     FormSourceIp(frame);
     VARDEL_TRACE(kComponent, "Receiving packet - SMB from", sourceIp);
     if (HostRecord* host = data.arpMap.FindValue(sourceIp)) ApplyHostAnnouncement(*announcement, *host, data);
+}
+
+// A host that is done costs a look-up alone.
+void VardelIPImpl::SsdpReceived(const FrameView& frame, VardelData& data) {
+    FormSourceIp(frame);
+    HostRecord* host = data.arpMap.FindValue(sourceIp);
+    if (!host || host->isLocal || host->upnpDone) return;
+    if (const auto location = ParseSsdpLocation(frame.Text(kPayloadAt)))
+        FetchDeviceDescription(std::string(*location), *host, data);
+}
+
+void VardelIPImpl::DeviceReceived(const FrameView& frame, VardelData& data) {
+    FormSourceIp(frame);
+    HostRecord* host = data.arpMap.FindValue(sourceIp);
+    if (!host || host->isLocal) return;
+    const DeviceAnnouncement announcement = ParseDeviceAnnouncement(frame);
+    static_assert(sizeof scratch == kDeviceLabelSize);
+    FormDeviceLabel(announcement, scratch);
+    ApplyDeviceAnnouncement(announcement, scratch, *host);
 }
 
 // Whatever fails while the text is taken or kept ends in a trace and a dropped datagram.

@@ -21,6 +21,10 @@ class VardelIPImpl : public VardelCaptureData {
     void BrowseReceived(const FrameView& frame, VardelData& data);
     // Syslog messages, UDP destination port 514.
     void SyslogReceived(const FrameView& frame, VardelData& data);
+    // SSDP messages, UDP port 1900 at either end. Fetches the device's description on the spot.
+    void SsdpReceived(const FrameView& frame, VardelData& data);
+    // Storage announcements, UDP source port 22936.
+    void DeviceReceived(const FrameView& frame, VardelData& data);
     void FormSourceIp(const FrameView& frame);
 };
 

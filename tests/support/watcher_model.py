@@ -10,6 +10,8 @@ import struct
 NOT_AVAILABLE = "Hostname not available"
 UNKNOWN = "Unkown operating system"
 READ_BYTES = 4096
+LABEL_CHARACTERS = 99
+BLANKS = " \t\r\n"
 
 # (major, minor or None for any, bits that must be set, label, class or None for "left as it is").
 # A label of one blank is settled by the bits for Novell and Mac OS; None leaves the label as it is.
@@ -92,6 +94,13 @@ def read_syslog(payload):
     if not text:
         return None
     return priority & 7, (priority >> 3) & 127, text.rstrip(b"\n").decode("latin-1")
+
+
+def text_between(document, opening, closing):
+    """The text between two tags, the closing one behind the opening one; None where one is missing."""
+    behind = document.partition(opening)
+    text, found, _ = behind[2].partition(closing)
+    return text if behind[1] and found else None
 
 
 class WatcherModel:
@@ -187,23 +196,25 @@ class WatcherModel:
     def _see_ssdp(self, host, payload):
         if host is None or host["upnpDone"]:
             return
-        text = payload.decode("latin-1")
+        text = text_at(payload, 0).decode("latin-1")
         if not text.startswith(("HTTP/1.1 200 OK\r\n", "NOTIFY * HTTP/1.1\r\n")) or "Location:" not in text:
             return
         url, end, _ = text.split("Location:", 1)[1].partition("\r\n")
         if not end:
             return
         host["upnpDone"] = 1
-        self.fetches.append(url.strip())
-        document = self._documents.get(url.strip(), b"")[:READ_BYTES].decode("latin-1")
-        if "<friendlyName>" in document and "</friendlyName>" in document:
-            name = document.split("<friendlyName>", 1)[1].split("</friendlyName>", 1)[0]
-            host["friendlyName"] = name.split(":", 1)[0].strip()
+        url = url.strip(BLANKS)
+        if not url.lower().startswith(("http://", "https://")):
+            return
+        self.fetches.append(url)
+        document = text_at(self._documents.get(url, b"")[:READ_BYTES], 0).decode("latin-1")
+        name = text_between(document, "<friendlyName>", "</friendlyName>")
+        if name is not None:
+            host["friendlyName"] = name.split(":", 1)[0].strip(BLANKS)
             self._event(11, host["friendlyName"], host["ip"])
-        if "<presentationURL>" in document and "</presentationURL>" in document:
-            host["presentationUrl"] = (
-                document.split("<presentationURL>", 1)[1].split("</presentationURL>", 1)[0].strip()
-            )
+        page = text_between(document, "<presentationURL>", "</presentationURL>")
+        if page is not None:
+            host["presentationUrl"] = page.strip(BLANKS)
 
     def _see_storage(self, host, payload):
         if host is None:
@@ -211,7 +222,7 @@ class WatcherModel:
         name, model = text_at(payload, 48).decode("latin-1"), text_at(payload, 80).decode("latin-1")
         if name:
             self._name(host, name)
-        label = f"{model} FW: {payload[188]}.{payload[189]}"
+        label = f"{model} FW: {payload[188]}.{payload[189]}"[:LABEL_CHARACTERS]
         if not host["deviceProbed"]:
             host["deviceProbed"] = host["osFromBrowse"] = 1
             self._event(12, host["hostName"], host["ip"], label)

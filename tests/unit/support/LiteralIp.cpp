@@ -75,6 +75,30 @@ void FillBlankOs(u32 type, const LiteralState& state, LiteralHost& host) {
     }
 }
 
+bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
+void TrimBlanks(std::string& text) {
+    while (!text.empty() && IsBlank(text.back())) text.pop_back();
+    while (!text.empty() && IsBlank(text.front())) text.erase(0, 1);
+}
+
+std::string LowerCase(std::string text) {
+    for (char& c : text)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+    return text;
+}
+
+bool FindBetween(const std::string& document, const std::string& open, const std::string& close,
+                 std::string& part) {
+    std::size_t start = document.find(open);
+    if (start == std::string::npos) return false;
+    start += open.size();
+    const std::size_t end = document.find(close, start);
+    if (end == std::string::npos) return false;
+    part = document.substr(start, end - start);
+    return true;
+}
+
 bool Notifies(const LiteralState& state, int severity, int facility, const std::string& text) {
     bool hit = static_cast<u32>(severity) <= state.settings.syslogNotificationLevel;
     if (!hit && facility == state.settings.syslogNotificationFacility) hit = true;
@@ -99,6 +123,66 @@ void LiteralIp::PacketReceived(const Bytes* frame, LiteralState* state) {
         Browse(*frame, *state);
     else if (destination == 514)
         Syslog(*frame, *state);
+    else if (source == 1900 || destination == 1900)
+        Ssdp(*frame, *state);
+    else if (source == 22936 && BigWordAt(*frame, 38) - 8 == 320)
+        Device(*frame, *state);
+}
+
+void LiteralIp::Ssdp(const Bytes& frame, LiteralState& state) {
+    const auto found = state.arpMap.find(SourceIpOf(frame));
+    if (found == state.arpMap.end() || !found->second) return;
+    LiteralHost& host = *found->second;
+    if (host.isLocal || host.upnpDone) return;
+    std::string text = TextAt(frame, 42, frame.size());
+    if (text.find("HTTP/1.1 200 OK\r\n") != 0 && text.find("NOTIFY * HTTP/1.1\r\n") != 0) return;
+    const std::size_t location = text.find("Location:");
+    if (location == std::string::npos) return;
+    text.erase(0, location + 9);
+    const std::size_t end = text.find("\r\n");
+    if (end == std::string::npos) return;
+    text.erase(end);
+    TrimBlanks(text);
+
+    const bool isWeb = LowerCase(text).find("http://") == 0 || LowerCase(text).find("https://") == 0;
+    if (isWeb) state.fetches.push_back(text);
+    if (isWeb && state.documents.count(text) != 0) {
+        const std::string document = state.documents.at(text).substr(0, 4096).c_str();
+        std::string part;
+        if (FindBetween(document, "<friendlyName>", "</friendlyName>", part)) {
+            if (part.find(':') != std::string::npos) part.erase(part.find(':'));
+            TrimBlanks(part);
+            host.friendlyName = part;
+            state.events.push_back({11, part, host.ip, "", -1});
+        }
+        if (FindBetween(document, "<presentationURL>", "</presentationURL>", part)) {
+            TrimBlanks(part);
+            host.presentationUrl = part;
+        }
+    }
+    host.upnpDone = 1;
+}
+
+void LiteralIp::Device(const Bytes& frame, LiteralState& state) {
+    const auto found = state.arpMap.find(SourceIpOf(frame));
+    if (found == state.arpMap.end() || !found->second) return;
+    LiteralHost& host = *found->second;
+    if (host.isLocal) return;
+    const std::string name = TextAt(frame, 42 + 48, frame.size());
+    if (host.nameUnresolved && !name.empty()) {
+        host.hostName = name;
+        host.nameUnresolved = 0;
+    }
+    const std::string label =
+        (TextAt(frame, 42 + 80, frame.size()) + " FW: " + std::to_string(ByteAt(frame, 42 + 188)) + "." +
+         std::to_string(ByteAt(frame, 42 + 189)))
+            .substr(0, 99);
+    if (!host.deviceProbed) {
+        host.osFromBrowse = 1;
+        host.deviceProbed = 1;
+        state.events.push_back({12, host.hostName, host.ip, label, -1});
+    }
+    host.os = label;
 }
 
 void LiteralIp::Browse(const Bytes& frame, LiteralState& state) {

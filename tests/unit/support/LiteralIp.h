@@ -15,6 +15,8 @@ class LiteralIp {
   private:
     void Browse(const Bytes& frame, LiteralState& state);
     void Syslog(const Bytes& frame, LiteralState& state);
+    void Ssdp(const Bytes& frame, LiteralState& state);
+    void Device(const Bytes& frame, LiteralState& state);
 };
 
 }  // namespace vardel::test

@@ -30,6 +30,9 @@ struct LiteralHost {
     int nameUnresolved = 0;
     int osFromBrowse = 0;
     u32 osClass = 0;
+    std::string friendlyName, presentationUrl;
+    int upnpDone = 0;
+    int deviceProbed = 0;
 };
 
 struct LiteralEvent {
@@ -88,6 +91,8 @@ struct LiteralState {
     std::set<std::string> notificationWords;
     std::string localHostName;
     LiteralResolver resolver;
+    std::map<std::string, std::string> documents;  // by address; what isn't there fails to open
+    std::vector<std::string> fetches;
     std::map<u32, std::string> texts;  // by string id
 
     LiteralHost* NewHost() {

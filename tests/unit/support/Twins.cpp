@@ -132,7 +132,9 @@ std::string Difference(const HostRecord& host, const LiteralHost& twin) {
                              UnequalText("vendor", host.vendor, twin.vendor) +
                              UnequalText("lastSeenText", host.lastSeenText, twin.lastSeenText) +
                              UnequalText("hostName", host.hostName, twin.hostName) +
-                             UnequalText("os", host.os, twin.os);
+                             UnequalText("os", host.os, twin.os) +
+                             UnequalText("friendlyName", host.friendlyName, twin.friendlyName) +
+                             UnequalText("presentationUrl", host.presentationUrl, twin.presentationUrl);
     const struct {
         const char* name;
         i64 real, expected;
@@ -145,6 +147,8 @@ std::string Difference(const HostRecord& host, const LiteralHost& twin) {
                    {"osFromBrowse", host.osFromBrowse, twin.osFromBrowse},
                    {"osClass", static_cast<i64>(host.osClass.Get()), twin.osClass},
                    {"isLocal", host.isLocal, twin.isLocal},
+                   {"upnpDone", host.upnpDone, twin.upnpDone},
+                   {"deviceProbed", host.deviceProbed, twin.deviceProbed},
                    {"shareScanBusy", host.shareScanBusy, twin.shareScanBusy}};
     for (const auto& number : numbers) difference += Unequal(number.name, number.real, number.expected);
     return difference.empty() ? "" : twin.ip + ": " + difference;
