@@ -33,6 +33,7 @@ void SleepUnlessStopped(const ThreadParams& params, Events& events, EventHandle 
 // The parameter is a ThreadParams*, for ReadVendorThread a VendorRun* (ReadVendorThread.h).
 void SnifferThread(void* params);
 void CheckNetResThread(void* params);
+void NotifyPluginThread(void* params);
 void ReadVendorThread(void* run);
 void WriteEventsThread(void* params);
 

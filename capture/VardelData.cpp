@@ -2,7 +2,10 @@
 
 namespace vardel {
 
-VardelData::VardelData(Services& systemServices) : services(systemServices), fences(systemServices.events) {}
+VardelData::VardelData(Services& systemServices)
+    : services(systemServices),
+      plugins(systemServices.modules, systemServices.folders),
+      fences(systemServices.events) {}
 
 VardelData::~VardelData() {
     wmiWork.ClearTo(wmiWork.TakeMark(), [](WmiWorkItem* item) { delete item; });

@@ -12,6 +12,8 @@
 #include "capture/Fences.h"
 #include "capture/SharedRecords.h"
 #include "platform/Services.h"
+#include "plugins/PluginNotifyQueue.h"
+#include "plugins/PluginTable.h"
 #include "settings/VardelSettings.h"
 
 namespace vardel {
@@ -62,6 +64,8 @@ class VardelData {
     NetResWorkList netResWork;
     NewShareList newShares;
     SyslogNotifyList syslogNotifications;
+    PluginNotifyQueue notifyQueue;
+    PluginTable plugins;
     Shared<u8> interfaceChanged;
     Shared<u8> capturing;
     TcString newestProgramVersion;  // as the server wrote it; empty when none is on offer

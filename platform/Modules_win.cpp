@@ -18,9 +18,7 @@ bool IsFullPath(const char* path) {
 // A damaged file, or one for another machine, is passed over without the system's message box.
 class QuietErrors {
   public:
-    QuietErrors() {
-        isSet_ = SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &before_);
-    }
+    QuietErrors() { isSet_ = SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &before_); }
     ~QuietErrors() {
         if (isSet_) SetThreadErrorMode(before_, nullptr);
     }
@@ -54,8 +52,8 @@ class WindowsModules : public Modules {
         std::ranges::replace(full, '/', '\\');  // the loader doesn't take the other form
         if (!IsFullPath(full.c_str())) return nullptr;
         const QuietErrors quiet;
-        // What the module itself needs is looked for beside it and where the program's own modules are, never in the
-        // current folder.
+        // What the module itself needs is looked for beside it and where the program's own modules are, never
+        // in the current folder.
         constexpr DWORD kSearch = LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS;
         HMODULE module = LoadLibraryExA(full.c_str(), nullptr, kSearch);
         // Windows 7 without its update KB2533623 knows no such search.

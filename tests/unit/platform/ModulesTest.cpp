@@ -92,7 +92,8 @@ TEST_F(ModulesOfTheSystem, WhatIsNoModuleDoesNotLoad) {
     folder.Write(WithEnding("empty"), "");
     fs::create_directories(folder.Path(WithEnding("folder")));
     for (const char* name : {"text", "empty", "folder", "missing"})
-        EXPECT_EQ(modules.Load(fs::absolute(folder.Path(WithEnding(name))).string().c_str()), nullptr) << name;
+        EXPECT_EQ(modules.Load(fs::absolute(folder.Path(WithEnding(name))).string().c_str()), nullptr)
+            << name;
 }
 
 TEST_F(ModulesOfTheSystem, ListsWhatEndsAsAskedAndNothingElse) {
