@@ -6,9 +6,24 @@
 
 namespace vardel::test {
 
-std::string TestModule(const std::string& name) {
-    const std::filesystem::path folder = VARDEL_TEST_MODULES;
+namespace {
+
+std::string ModuleIn(const std::filesystem::path& folder, const std::string& name) {
     return std::filesystem::absolute(folder / (name + SystemModules().Ending())).string();
+}
+
+}  // namespace
+
+std::string TestModule(const std::string& name) {
+    return ModuleIn(VARDEL_TEST_MODULES, name);
+}
+
+std::string ExamplePlugin(const std::string& name) {
+    return ModuleIn(VARDEL_EXAMPLE_PLUGINS, name);
+}
+
+std::string SourceFile(const std::string& name) {
+    return std::filesystem::absolute(std::filesystem::path(VARDEL_SOURCE_FOLDER) / name).string();
 }
 
 }  // namespace vardel::test

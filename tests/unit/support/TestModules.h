@@ -1,4 +1,4 @@
-// The modules that were built for tests to load (tests/modules).
+// What was built for tests to load, and what they read of the source.
 #pragma once
 
 #include <string>
@@ -7,5 +7,9 @@ namespace vardel::test {
 
 // The full path of a test module; `name` without the system's ending.
 std::string TestModule(const std::string& name);
+// The same of an example plugin.
+std::string ExamplePlugin(const std::string& name);
+// The full path of a file of the source, named from its root.
+std::string SourceFile(const std::string& name);
 
 }  // namespace vardel::test
