@@ -2,6 +2,7 @@
 
 #include "capture/EventMap.h"
 #include "capture/Vardel.h"
+#include "tests/unit/support/NoFrame.h"
 #include "tests/unit/support/ScriptedCapture.h"
 #include "tests/unit/support/ScriptedEvents.h"
 #include "tests/unit/support/TestServices.h"
@@ -12,11 +13,6 @@ namespace vardel::test {
 namespace {
 
 using Steps = std::vector<std::string>;
-
-struct NoFrame : VardelFrame {
-    bool CreateApp(VardelData&, Vardel&) override { return false; }
-    void ShowError(const char*, const char*) override {}
-};
 
 // The thread's function, called on the test's thread, with a whole application that has a scripted capture library.
 class SnifferThreadTest : public testing::Test {
