@@ -122,9 +122,11 @@ class PluginStress : public testing::Test {
 
 TEST_F(PluginStress, LoadingWalkingCallingNotifyingAndUnloadingAtOnce) {
     std::vector<std::thread> threads;
-    for (const auto work : {&PluginStress::LoadAndUnload, &PluginStress::QueueItems, &PluginStress::Notify,
-                            &PluginStress::CallFromViews, &PluginStress::Walk})
-        threads.emplace_back(work, this);
+    threads.emplace_back([this] { LoadAndUnload(); });
+    threads.emplace_back([this] { QueueItems(); });
+    threads.emplace_back([this] { Notify(); });
+    threads.emplace_back([this] { CallFromViews(); });
+    threads.emplace_back([this] { Walk(); });
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(loaded, kRounds * static_cast<int>(std::size(kModules)));
     EXPECT_GT(queued, 0);
