@@ -4,97 +4,20 @@
 #include "platform/ArpCache.h"
 
 #include <linux/neighbour.h>
-#include <linux/netlink.h>
-#include <linux/rtnetlink.h>
 #include <net/if.h>
-#include <sys/socket.h>
-#include <sys/time.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <vector>
 
-#include "platform/Types.h"
+#include "platform/Netlink_posix.h"
 
 namespace vardel {
 
 namespace {
 
-constexpr std::size_t kReplySize = 64 * 1024;
-
 struct Neighbour {
     int interfaceIndex;
     u32 address;  // network byte order
 };
-
-class NetlinkSocket {
-  public:
-    NetlinkSocket() : descriptor_(socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE)) {
-        // The kernel answers at once; the limit is for a reply that got lost.
-        const timeval limit{1, 0};
-        if (descriptor_ >= 0) setsockopt(descriptor_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
-    }
-    ~NetlinkSocket() {
-        if (descriptor_ >= 0) close(descriptor_);
-    }
-    NetlinkSocket(const NetlinkSocket&) = delete;
-    NetlinkSocket& operator=(const NetlinkSocket&) = delete;
-
-    bool IsOpen() const { return descriptor_ >= 0; }
-    bool Send(const void* message, std::size_t size) {
-        return send(descriptor_, message, size, 0) == static_cast<ssize_t>(size);
-    }
-    // The next datagram; empty on failure.
-    std::vector<char> Receive() {
-        std::vector<char> datagram(kReplySize);
-        ssize_t size;
-        do size = recv(descriptor_, datagram.data(), datagram.size(), 0);
-        while (size < 0 && errno == EINTR);
-        datagram.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
-        return datagram;
-    }
-
-  private:
-    int descriptor_;
-};
-
-// Calls `visit(header, payload)` for each message of a datagram, while it gives true. False when it gave
-// false.
-template <class Visit>
-bool ForEachMessage(const std::vector<char>& datagram, Visit visit) {
-    std::size_t at = 0;
-    while (datagram.size() - at >= sizeof(nlmsghdr)) {
-        nlmsghdr header;
-        std::memcpy(&header, datagram.data() + at, sizeof header);
-        if (header.nlmsg_len < sizeof header || header.nlmsg_len > datagram.size() - at) break;
-        const char* payload = datagram.data() + at + sizeof header;
-        if (!visit(header, payload, header.nlmsg_len - sizeof header)) return false;
-        const std::size_t step = NLMSG_ALIGN(header.nlmsg_len);
-        if (step > datagram.size() - at) break;
-        at += step;
-    }
-    return true;
-}
-
-// The address attribute of a neighbour message; false when it has none of 4 bytes.
-bool FindAddress(const char* attributes, std::size_t size, u32& address) {
-    while (size >= sizeof(rtattr)) {
-        rtattr attribute;
-        std::memcpy(&attribute, attributes, sizeof attribute);
-        if (attribute.rta_len < sizeof attribute || attribute.rta_len > size) return false;
-        if (attribute.rta_type == NDA_DST && attribute.rta_len == sizeof attribute + sizeof address) {
-            std::memcpy(&address, attributes + sizeof attribute, sizeof address);
-            return true;
-        }
-        const std::size_t step = RTA_ALIGN(attribute.rta_len);
-        if (step > size) return false;
-        attributes += step;
-        size -= step;
-    }
-    return false;
-}
 
 void CollectNeighbour(const char* payload, std::size_t size, std::vector<Neighbour>& neighbours) {
     ndmsg message;
@@ -103,7 +26,7 @@ void CollectNeighbour(const char* payload, std::size_t size, std::vector<Neighbo
     if (message.ndm_family != AF_INET || (message.ndm_state & NUD_NOARP)) return;
     u32 address;
     const std::size_t attributes = NLMSG_ALIGN(sizeof message);
-    if (size < attributes || !FindAddress(payload + attributes, size - attributes, address)) return;
+    if (size < attributes || !FindAttribute(payload + attributes, size - attributes, NDA_DST, address)) return;
     neighbours.push_back({message.ndm_ifindex, address});
 }
 

@@ -9,8 +9,8 @@ Services Combine(const Services& from, Events& events, Threads& threads, Resolve
                  Http& http) {
     return {events,       threads,       from.clock,   from.folders,       resolver,
             from.strings, from.arpCache, from.process, from.machineConfig, from.captureModules,
-            from.shell,   http,          from.modules,
-            from.rawIcmp, from.shareEnumeration};
+            from.shell,   http,          from.modules, from.rawIcmp,       from.shareEnumeration,
+            from.wmi,     from.serverConnections, from.arpRequests};
 }
 
 }  // namespace

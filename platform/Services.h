@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/ArpCache.h"
+#include "platform/ArpRequests.h"
 #include "platform/CaptureLibrary.h"
 #include "platform/Clock.h"
 #include "platform/Events.h"
@@ -14,10 +15,12 @@
 #include "platform/Process.h"
 #include "platform/RawIcmp.h"
 #include "platform/Resolver.h"
+#include "platform/ServerConnections.h"
 #include "platform/ShareEnumeration.h"
 #include "platform/Shell.h"
 #include "platform/StringResources.h"
 #include "platform/Threads.h"
+#include "platform/Wmi.h"
 
 namespace vardel {
 
@@ -37,6 +40,9 @@ struct Services {
     Modules& modules = SystemModules();
     RawIcmp& rawIcmp = SystemRawIcmp();
     ShareEnumeration& shareEnumeration = SystemShareEnumeration();
+    WmiService& wmi = SystemWmi();
+    ServerConnections& serverConnections = SystemServerConnections();
+    ArpRequests& arpRequests = SystemArpRequests();
 
     // The same, but for one of them.
     Services With(Events& other) const;

@@ -15,6 +15,7 @@
 #include "tests/unit/support/EnvironmentVariable_posix.h"
 #include "tests/unit/support/RegistryDump.h"
 #include "tests/unit/support/TestFolder.h"
+#include "tests/unit/support/SampleBytes.h"
 
 namespace vardel {
 namespace {
@@ -202,7 +203,7 @@ TEST_F(FileStore, EarlierDamagedFilesAreNotOverwritten) {
 }
 
 TEST_F(FileStore, AFileTornAnywhereIsReadAndNeverLost) {
-    const std::string whole = test::SampleBytes("linux.reg");
+    const std::string whole = test::SampleBytes("settings/linux.reg");
     ASSERT_GT(whole.size(), 1000u);
     for (std::size_t length = 0; length < whole.size(); length += 97) {
         const std::string torn = whole.substr(0, length);

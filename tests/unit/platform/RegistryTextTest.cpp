@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "tests/unit/support/RegistryDump.h"
+#include "tests/unit/support/SampleBytes.h"
 
 namespace vardel {
 namespace {
@@ -284,7 +285,7 @@ TEST(RegistryText, AnEmptyTreeIsAHeader) {
 
 class RegistrySample : public ::testing::TestWithParam<const char*> {
   protected:
-    const std::string bytes = SampleBytes(GetParam());
+    const std::string bytes = SampleBytes("settings/" + std::string(GetParam()));
     static Lines AllOf(const std::string& text) {
         RegistryText read = ParseRegistryText(text);
         return Dump(read.tree);

@@ -64,7 +64,4 @@ inline std::string Utf16(const std::string& utf8) {
     return bytes;
 }
 
-// A file of tests/data/settings.
-std::string SampleBytes(const std::string& name);
-
 }  // namespace vardel::test

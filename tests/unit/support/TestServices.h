@@ -11,8 +11,10 @@
 #include "platform/CommandLine.h"
 #include "foundation/Shared.h"
 #include "platform/Services.h"
+#include "tests/unit/support/ScriptedConnections.h"
 #include "tests/unit/support/ScriptedRawIcmp.h"
 #include "tests/unit/support/ScriptedShareEnumeration.h"
+#include "tests/unit/support/ScriptedWmi.h"
 
 namespace vardel::test {
 
@@ -299,10 +301,13 @@ struct TestServices {
     ScriptedModules modules;
     ScriptedRawIcmp rawIcmp;
     ScriptedShareEnumeration shareEnumeration;
+    ScriptedWmi wmi;
+    ScriptedServerConnections serverConnections;
+    RecordingArpRequests arpRequests;
     Services services{SystemEvents(), threads,  clock,   folders,       resolver,
                       strings,        arpCache, process, machineConfig, captureModules,
-                      shell,          http,     modules,
-                      rawIcmp,        shareEnumeration};
+                      shell,          http,     modules, rawIcmp,       shareEnumeration,
+                      wmi,            serverConnections, arpRequests};
 };
 
 }  // namespace vardel::test
