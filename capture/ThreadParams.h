@@ -32,6 +32,8 @@ void SleepUnlessStopped(const ThreadParams& params, Events& events, EventHandle 
 
 // The parameter is a ThreadParams*, for ReadVendorThread a VendorRun* (ReadVendorThread.h).
 void SnifferThread(void* params);
+void FileSharingThread(void* params);
+void WMIThread(void* params);
 void CheckNetResThread(void* params);
 void NotifyPluginThread(void* params);
 void ReadVendorThread(void* run);
