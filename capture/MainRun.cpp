@@ -9,6 +9,7 @@
 #include "capture/Vardel.h"
 #include "foundation/TcSystemInfo.h"
 #include "foundation/TcTrace.h"
+#include "plugins/PluginStates.h"
 #include "resources/ResourceIds.h"
 
 namespace vardel {
@@ -18,6 +19,7 @@ namespace {
 constexpr char kInstanceName[] = "Vardelwatch";
 constexpr char kEventGuardName[] = "WriteEventMapHandle";
 constexpr i64 kUpdateCheckSeconds = 604800;  // seven days
+constexpr int kUpdateTextSize = 512;
 constexpr u32 kThreadEndTimeoutMs = 15000;
 constexpr std::chrono::milliseconds kEventLogTimeout{3000};
 constexpr std::chrono::milliseconds kEventLogLook{10};
@@ -32,7 +34,7 @@ u32 Vardel::MainRun() {
     systemInfo = TcSystemInfo::CreateObject();
     TakeSettings();
     TakeInstances();
-    NoteUpdateCheck();
+    CheckForUpdates();
     CreateEventGuard();
     captureLibraryReady = InitializeWinPCAP();
     if (!captureLibraryReady) {
@@ -53,10 +55,12 @@ u32 Vardel::MainRun() {
     FillThreadParams();
     StartWorkers();
     ReadMACVendorFile();
+    StartPlugins();
     if (data.settings.EventLogSave) StartEventLogWrite();
     RunFrame();
 
     PostEvent(EventKind::ProgramExited);
+    data.plugins.UnloadPlugins();
     AwaitEventLog();
     RequestStops();
     threadsHaveEnded_ = AwaitThreads();
@@ -101,13 +105,24 @@ void Vardel::TakeInstances() {
     data.app = this;
 }
 
-// The moment is kept before the check and whatever its outcome, so that a failing one is tried again a week later.
-void Vardel::NoteUpdateCheck() {
+// The moment is kept before the checks and whatever their outcome, so that failing ones are tried again a week later.
+void Vardel::CheckForUpdates() {
     if (!data.settings.UpdateCheck) return;
     const i64 now = services.clock.Now();
     if (!IsUpdateCheckDue(now, data.settings.LastUpdateTime)) return;
     data.settings.LastUpdateTime = now;
     data.settings.WriteLastUpdateTime();
+    const bool hasProgram = data.CheckProgramUpdate();
+    const bool hasMacList = data.CheckMacListUpdate();
+    if (hasProgram || hasMacList) TellOfUpdates();
+}
+
+void Vardel::TellOfUpdates() {
+    if (!updatePopup) updatePopup = frame.MakeUpdatePopup();
+    if (!updatePopup) return;
+    char text[kUpdateTextSize];
+    data.LoadText(IDS_UPDATES_AVAILABLE, text, sizeof text);
+    ShowUpdateNotice(*updatePopup, text);
 }
 
 void Vardel::CreateEventGuard() {
@@ -144,8 +159,24 @@ void Vardel::FillThreadParams() {
 }
 
 void Vardel::StartWorkers() {
-    services.threads.Start(&SnifferThread, &workerParams, snifferThread.handle, snifferThread.id);
+    Threads& threads = services.threads;
+    threads.Start(&SnifferThread, &workerParams, snifferThread.handle, snifferThread.id);
+    threads.Start(&FileSharingThread, &shareParams, fileSharingThread.handle, fileSharingThread.id);
+    threads.Start(&WMIThread, &workerParams, wmiThread.handle, wmiThread.id);
+    threads.Start(&CheckNetResThread, &workerParams, checkNetResThread.handle, checkNetResThread.id);
     VARDEL_TRACE_INT("Vardel", "MainRun", "Create SnifferThread - ID: ", snifferThread.id);
+    VARDEL_TRACE_INT("Vardel", "MainRun", "Create FileSharingThread - ID: ", fileSharingThread.id);
+    VARDEL_TRACE_INT("Vardel", "MainRun", "Create WMIThread - ID: ", wmiThread.id);
+    VARDEL_TRACE_INT("Vardel", "MainRun", "Create CheckNetResThread - ID: ", checkNetResThread.id);
+}
+
+// A plugin that is new to the settings starts switched off; nobody tells a plugin before its switch is known.
+void Vardel::StartPlugins() {
+    data.plugins.LoadPlugins();
+    data.plugins.SetPluginLanguage(data.languageId);
+    MergePluginStates(data.plugins, data.settings.pluginStates);
+    services.threads.Start(&NotifyPluginThread, &workerParams, notifyPluginThread.handle, notifyPluginThread.id);
+    VARDEL_TRACE_INT("Vardel", "MainRun", "Create NotifyPluginThread - ID: ", notifyPluginThread.id);
 }
 
 void Vardel::RunFrame() {
@@ -173,15 +204,22 @@ void Vardel::RequestStops() {
 
 bool Vardel::AwaitThreads() {
     VARDEL_TRACE("Vardel", "MainRun", "Wait for exiting threads");
-    std::vector<ThreadHandle> handles{snifferThread.handle, readVendorThread.handle, writeEventsThread.handle};
+    std::vector<ThreadHandle> handles;
+    for (const RunningThread* thread : ThreadTable()) handles.push_back(thread->handle);
     handles.insert(handles.end(), abandonedThreads.begin(), abandonedThreads.end());
     const bool ended = services.threads.WaitAll(handles, kThreadEndTimeoutMs);
     VARDEL_TRACE("Vardel", "MainRun", "after WaitForMultipleObjects");
     return ended;
 }
 
+// In the order in which they are waited for and closed.
+std::array<RunningThread*, 7> Vardel::ThreadTable() {
+    return {&snifferThread,     &fileSharingThread,  &readVendorThread, &wmiThread,
+            &checkNetResThread, &notifyPluginThread, &writeEventsThread};
+}
+
 void Vardel::CloseHandles() {
-    for (RunningThread* thread : {&snifferThread, &readVendorThread, &writeEventsThread}) {
+    for (RunningThread* thread : ThreadTable()) {
         services.threads.Close(thread->handle);
         *thread = {};
     }

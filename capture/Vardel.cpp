@@ -26,6 +26,7 @@ Vardel::~Vardel() {
     if (systemInfo) TcSystemInfo::DestroyObject(systemInfo);
     services.captureModules.Free(captureModule);
     services.captureModules.Free(packetModule);
+    updatePopup.reset();
     services.process.StopNetwork();
 }
 
@@ -37,7 +38,11 @@ void Vardel::StopLeftThreads() {
         const char* trace;
     };
     const LeftThread rows[] = {{snifferThread, "exit sniffer thread"},
+                               {fileSharingThread, "exit filesharing thread"},
+                               {wmiThread, "exit wmi thread"},
+                               {checkNetResThread, "exit netresource thread"},
                                {readVendorThread, "exit vendor thread"},
+                               {notifyPluginThread, "exit plugin thread"},
                                {writeEventsThread, "exit event writer thread"}};
     std::vector<ThreadHandle> left = std::move(abandonedThreads);
     for (const LeftThread& row : rows) {

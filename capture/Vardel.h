@@ -58,10 +58,15 @@ class Vardel : public TcWinMain {
     VardelARPImpl arpImpl;
     VardelIPImpl ipImpl;
     RunningThread snifferThread;
-    RunningThread writeEventsThread;
+    RunningThread fileSharingThread;
     RunningThread readVendorThread;
+    RunningThread wmiThread;
+    RunningThread checkNetResThread;
+    RunningThread notifyPluginThread;
+    RunningThread writeEventsThread;
     Shared<u8> captureLibraryReady = 0;
     TcSystemInfo* systemInfo = nullptr;  // made in MainRun
+    std::unique_ptr<NotifyPopup> updatePopup;  // the frame's; null until there is something to tell
     ModuleHandle captureModule = nullptr;
     ModuleHandle packetModule = nullptr;
     CaptureEntryPoints capture;
@@ -83,15 +88,18 @@ class Vardel : public TcWinMain {
     void SetUpTracing();
     void TakeSettings();
     void TakeInstances();
-    void NoteUpdateCheck();
+    void CheckForUpdates();
+    void TellOfUpdates();
     void CreateEventGuard();
     void FillThreadParams();
     void StartWorkers();
+    void StartPlugins();
     void RunFrame();
     // The steps of the end.
     void AwaitEventLog();
     void RequestStops();
     bool AwaitThreads();
+    std::array<RunningThread*, 7> ThreadTable();
     void CloseHandles();
     void CloseEventGuard();
     void LeaveApartment();

@@ -8,17 +8,20 @@ savefile) is removed again, however it ends.
 
 import argparse
 import contextlib
+import itertools
 import os
 import signal
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 sys.path.insert(0, os.path.join(ROOT, "tests", "support"))
 
 import lan_namespace
+import settings_samples
 import watch_settings
 import wine_prefix
 
@@ -34,7 +37,14 @@ END_SECONDS = 25
 LOOK_SECONDS = 0.2
 DEMO_SETTINGS = {"AutoCapture": 1, "UsingEventLog": 1, "EventLogSave": 1, "Syslog": 1, "SyslogMaxEntries": 1000,
                  "SyslogNotification": 1, "SyslogNotificationLevel": 4, "SyslogNotificationFacility": -1,
-                 "UpdateCheck": 0, "MaxEventLogFileSize": 0}
+                 "UpdateCheck": 0, "MaxEventLogFileSize": 0, "UseToolTips": 1, "Visualization": 1,
+                 "MACSpoofingVisualization": 1, "MACSpoofingVisualizationStyle": 1, "WatchVisualization": 1,
+                 "WatchConfirm": 0, "WatchInterval": 5, "ReportInterval": 1}
+# The demo LAN's one host that really answers: it is there and away by turns, and watched.
+WATCHED_IP = "10.77.0.60"
+WATCHED_TURN_SECONDS = 15
+REPORT_TEMPLATE = "dashboard.html.vdlt"
+REPORT_FOLDER = os.path.join(ROOT, "build", "reports")
 
 
 def parse_arguments(arguments):
@@ -70,6 +80,51 @@ class Leave:
         return self._asked or (self._deadline is not None and time.monotonic() >= self._deadline)
 
 
+class ComingAndGoing:
+    """A machine beside the demo LAN that answers for a while, is silent for a while, and so on."""
+
+    def __init__(self, namespace):
+        self._namespace = namespace
+        self._ended = threading.Event()
+        self._thread = threading.Thread(target=self._take_turns, daemon=True)
+
+    def _take_turns(self):
+        turns = itertools.cycle(("add", "delete"))
+        while not self._ended.is_set():
+            with contextlib.suppress(RuntimeError, OSError, subprocess.SubprocessError):
+                self._namespace.ip_command("address", next(turns), f"{WATCHED_IP}/32", "dev",
+                                           self._namespace.interface)
+            self._ended.wait(WATCHED_TURN_SECONDS)
+
+    def __enter__(self):
+        self._thread.start()
+        return self
+
+    def __exit__(self, *_):
+        self._ended.set()
+        self._thread.join()
+
+
+def settings_of_run(interface, is_demo, program, path_form):
+    """(settings, lists); `path_form` gives a path as the program's system spells it."""
+    os.makedirs(REPORT_FOLDER, exist_ok=True)
+    template = os.path.join(os.path.dirname(program), "templates", REPORT_TEMPLATE)
+    settings = {**DEMO_SETTINGS, "Interface": interface, "ReportTemplate": path_form(template),
+                "ReportPath": path_form(REPORT_FOLDER + "/")}
+    if not is_demo:
+        return settings, {}
+    # A watched host that isn't known yet begins as offline.
+    return settings, {"WatchedHosts": {"Host0": settings_samples.watched_host(WATCHED_IP, 0)}}
+
+
+def as_it_stands(path):
+    return path
+
+
+def in_wine(path):
+    return "Z:" + path.replace("/", "\\")
+
+
 def start_demo_lan(stack, folder):
     """Gives (namespace or None, the interface's name). Live where that can be had, else from a savefile."""
     reason = lan_namespace.unavailable_reason()
@@ -80,6 +135,7 @@ def start_demo_lan(stack, folder):
             lan.injector.start([sys.executable, "-B", DEMO_LAN, "inject", "--interface", lan.injector.interface,
                                 "--http-address", lan.injector.ip], stdin=subprocess.DEVNULL,
                                stdout=subprocess.DEVNULL, start_new_session=True)
+            stack.enter_context(ComingAndGoing(lan.injector))
             print(f"Demo LAN, live on {lan.watcher.interface} in a namespace of its own. Ctrl-C ends it.", flush=True)
             return lan.watcher, lan.watcher.interface
         except (RuntimeError, OSError, subprocess.SubprocessError) as error:
@@ -103,7 +159,9 @@ def wait_until_left(child, leave):
 
 def watch_on_linux(options, stack, folder, leave):
     namespace, interface = (None, options.interface) if options.interface else start_demo_lan(stack, folder)
-    environment = watch_settings.write_linux_folders(folder, {**DEMO_SETTINGS, "Interface": interface})
+    settings, lists = settings_of_run(interface, not options.interface, LINUX_PROGRAM, as_it_stands)
+    environment = watch_settings.write_linux_folders(folder, settings, lists)
+    print(f"Each minute a report is written to {REPORT_FOLDER}.", flush=True)
     words = [LINUX_PROGRAM]
     # The terminal's Ctrl-C would reach the program twice; it gets its signal from here alone.
     child = subprocess.Popen(namespace.words(words) if namespace else words, env={**os.environ, **environment},
@@ -145,7 +203,8 @@ def watch_on_windows(options, stack, folder, leave):
         interface = watch_settings.wine_device_of_index(lan_namespace.INTERFACE_INDEX)
     print("Preparing Wine ...", flush=True)
     wine = stack.enter_context(wine_prefix.WinePrefix(namespace))
-    watch_settings.prepare_prefix(wine, folder, WINE_PACKET, {**DEMO_SETTINGS, "Interface": interface})
+    settings, lists = settings_of_run(interface, not options.interface, WINDOWS_PROGRAM, in_wine)
+    watch_settings.prepare_prefix(wine, folder, WINE_PACKET, settings, lists)
     child = wine.start([WINDOWS_PROGRAM], start_new_session=True)
     if not wait_until_left(child, leave) and not ask_to_exit(wine, child):
         print("The Windows program did not end; it is ended with its Wine prefix.", file=sys.stderr)

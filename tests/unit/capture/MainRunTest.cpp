@@ -13,6 +13,7 @@
 #include "platform/Folders.h"
 #include "platform/SettingsStore.h"
 #include "platform/TreeSettingsStore.h"
+#include "tests/unit/support/AlertRecorder.h"
 #include "tests/unit/support/OwnDataFolder.h"
 #include "tests/unit/support/RecordingSystem.h"
 #include "tests/unit/support/ScriptedCapture.h"
@@ -58,9 +59,14 @@ class ScriptedFrame : public VardelFrame {
     void ShowError(const char* title, const char* text) override {
         record_.Add(std::string("error ") + title + ": " + text);
     }
-    std::unique_ptr<NotifyPopup> MakeUpdatePopup() override { return nullptr; }
+    std::unique_ptr<NotifyPopup> MakeUpdatePopup() override {
+        record_.Add("make update popup");
+        return hasPopup ? std::make_unique<test::RecordingPopup>("update", popupCalls) : nullptr;
+    }
 
     std::function<void(VardelData&, Vardel&)> whileItRuns;
+    bool hasPopup = true;
+    test::Calls popupCalls;
 
   private:
     test::Record& record_;
@@ -74,7 +80,11 @@ struct MainRunTest : testing::Test {
         capture.onExhausted = [] { std::this_thread::sleep_for(std::chrono::milliseconds(5)); };
         Install(capture.EntryPoints(), system.captureModules);
         threads.functions = {{&SnifferThread, "SnifferThread"},
+                             {&FileSharingThread, "FileSharingThread"},
+                             {&WMIThread, "WMIThread"},
+                             {&CheckNetResThread, "CheckNetResThread"},
                              {&ReadVendorThread, "ReadVendorThread"},
+                             {&NotifyPluginThread, "NotifyPluginThread"},
                              {&WriteEventsThread, "WriteEventsThread"}};
         system.strings.texts[33] = "no adapter text";
         system.strings.texts[34] = "no data text";
@@ -171,15 +181,17 @@ TEST_F(MainRunTest, CreatesTheGuardThenTheFencesThenTheThreads) {
                      "create ReadNetResList manual signalled", "create ReadSysLogList manual signalled",
                      "create ReadNotifyList manual signalled", "create ReadVendorMap manual signalled"}));
     EXPECT_LT(record.Position("create ReadVendorMap manual signalled"), record.Position("start SnifferThread"));
-    EXPECT_EQ(record.Starting("start "), (Lines{"start SnifferThread", "start ReadVendorThread"}));
-    EXPECT_LT(record.Position("start ReadVendorThread"), record.Position("create app"));
+    EXPECT_EQ(record.Starting("start "), (Lines{"start SnifferThread", "start FileSharingThread", "start WMIThread",
+                                                "start CheckNetResThread", "start ReadVendorThread",
+                                                "start NotifyPluginThread"}));
+    EXPECT_LT(record.Position("start NotifyPluginThread"), record.Position("create app"));
 }
 
 TEST_F(MainRunTest, StartsTheLogWriterLastAndOnlyIfEventsAreSaved) {
     Stored([](VardelSettings& settings) { settings.EventLogSave = 1; });
     Run();
-    EXPECT_EQ(record.Starting("start "),
-              (Lines{"start SnifferThread", "start ReadVendorThread", "start WriteEventsThread"}));
+    EXPECT_EQ(record.Starting("start ").back(), "start WriteEventsThread");
+    EXPECT_EQ(record.Starting("start ").size(), 7u);
     EXPECT_LT(record.Position("start WriteEventsThread"), record.Position("create app"));
 }
 
@@ -340,7 +352,7 @@ TEST_F(MainRunTest, RunsWithoutAnEventGuard) {
 
 // The update check
 
-TEST(UpdateCheck, IsDueFromSevenDaysOn) {
+TEST(UpdateCheckMoment, IsDueFromSevenDaysOn) {
     EXPECT_FALSE(IsUpdateCheckDue(1'700'000'000, 1'700'000'000));
     EXPECT_FALSE(IsUpdateCheckDue(1'700'000'000, 1'700'000'000 - kWeek + 1));
     EXPECT_TRUE(IsUpdateCheckDue(1'700'000'000, 1'700'000'000 - kWeek));
@@ -348,13 +360,13 @@ TEST(UpdateCheck, IsDueFromSevenDaysOn) {
     EXPECT_TRUE(IsUpdateCheckDue(1'700'000'000, 0));
 }
 
-TEST(UpdateCheck, AMomentInTheFutureIsNotDue) {
+TEST(UpdateCheckMoment, AMomentInTheFutureIsNotDue) {
     EXPECT_FALSE(IsUpdateCheckDue(1'700'000'000, 1'700'000'001));
     EXPECT_FALSE(IsUpdateCheckDue(1'700'000'000, 1'700'000'000 + 10 * kWeek));
     EXPECT_FALSE(IsUpdateCheckDue(0, std::numeric_limits<i64>::max()));
 }
 
-TEST(UpdateCheck, AnyStoredMomentIsTaken) {
+TEST(UpdateCheckMoment, AnyStoredMomentIsTaken) {
     // The difference leaves the range of 64 bits and comes out negative.
     EXPECT_FALSE(IsUpdateCheckDue(1'700'000'000, std::numeric_limits<i64>::min()));
     EXPECT_TRUE(IsUpdateCheckDue(-1, std::numeric_limits<i64>::min()));
@@ -392,6 +404,69 @@ INSTANTIATE_TEST_SUITE_P(Moments, MainRunUpdateCheck,
                                          UpdateCheckCase{"SwitchedOff", 0, 10 * kWeek, false}),
                          RowName());
 
+struct MainRunUpdates : MainRunTest {
+    MainRunUpdates() {
+        system.strings.texts[218] = "New updates are available!";
+        Stored([this](VardelSettings& settings) {
+            settings.UpdateCheck = 1;
+            settings.LastUpdateTime = system.clock.now - kWeek;
+        });
+    }
+    void Offers(const std::string& file, const std::string& text) {
+        system.http.documents["https://update.vardelwatch.example/download/versions/" + file] = text;
+    }
+    std::vector<std::string> Agents() const {
+        std::vector<std::string> agents;
+        for (const auto& fetch : system.http.fetches) agents.push_back(fetch.agent);
+        return agents;
+    }
+};
+
+TEST_F(MainRunUpdates, BothChecksRunBeforeAnythingElseIsMade) {
+    Offers("vardelwatch.version", "9.0.0.0");
+    bool madeEarlier = false;
+    system.http.onFetch = [&] { madeEarlier |= record.Has("create WriteEventMapHandle manual signalled"); };
+    Run();
+    EXPECT_EQ(Agents(), (Lines{"Vardelwatch - UpdateCheck", "Vardelwatch - UpdateMACCheck"}));
+    EXPECT_FALSE(madeEarlier);
+}
+
+TEST_F(MainRunUpdates, AFailedCheckIsNotTriedAgainForAWeekAndTellsNothing) {
+    Run();
+    EXPECT_EQ(Agents().size(), 2u);
+    EXPECT_EQ(StoredLastUpdateTime(), system.clock.now);
+    EXPECT_FALSE(record.Has("make update popup"));
+    EndApp();
+    Run();
+    EXPECT_EQ(Agents().size(), 2u);
+}
+
+TEST_F(MainRunUpdates, ANewerProgramOrListIsToldInAPopup) {
+    const Lines notice{"update time 5000",
+                       "update ramp",
+                       "update at the edge",
+                       "update colors (220,220,220) (160,160,160) (50,105,0) (140,140,140)",
+                       "update font 10 700",
+                       "update show New updates are available!"};
+    const std::pair<const char*, const char*> offers[] = {{"vardelwatch.version", "9.0.0.0"}, {"arplist.version", "99"}};
+    for (const auto& [file, text] : offers) {
+        system.http.documents.clear();
+        Offers(file, text);
+        frame.popupCalls.clear();
+        Stored([](VardelSettings& settings) { settings.UpdateCheck = 1; });
+        Run();
+        EXPECT_EQ(frame.popupCalls, notice) << file;
+        EndApp();
+    }
+}
+
+TEST_F(MainRunUpdates, WithoutAPopupTheRunGoesOn) {
+    frame.hasPopup = false;
+    Offers("arplist.version", "99");
+    Run();
+    EXPECT_TRUE(record.Has("create app"));
+}
+
 // The end
 
 TEST_F(MainRunTest, StopsTheBlocksInTheirOrderAndThenWaits) {
@@ -413,7 +488,9 @@ TEST_F(MainRunTest, ClosesThreadsThenFencesThenTheGuard) {
     // The sleep events of the threads are theirs to close, whenever they end.
     std::erase_if(closed, [](const std::string& line) { return line.starts_with("close DoNothing"); });
     std::erase_if(closed, [](const std::string& line) { return line.starts_with("close #"); });
-    EXPECT_EQ(closed, (Lines{"close SnifferThread", "close ReadVendorThread", "close WriteEventsThread",
+    EXPECT_EQ(closed, (Lines{"close SnifferThread", "close FileSharingThread", "close ReadVendorThread",
+                             "close WMIThread", "close CheckNetResThread", "close NotifyPluginThread",
+                             "close WriteEventsThread",
                              "close ReadInARPMap", "close ReadInMACSpoofList", "close ReadInNewEntryList",
                              "close ReadShareList", "close ReadSysLogList", "close ReadWMIAccessList",
                              "close ReadNetResList", "close ReadNotifyList", "close ReadVendorMap",
