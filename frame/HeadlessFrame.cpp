@@ -1,13 +1,23 @@
 #include "frame/HeadlessFrame.h"
 
+#include <algorithm>
 #include <chrono>
+
+#include "capture/SyslogPurge.h"
+#include "foundation/TcTrace.h"
+#include "frame/EngineDeeds.h"
 
 namespace vardel {
 
 namespace {
 
+// The frame's own; the numbers of the ticks begin at 10000.
 constexpr u32 kPrintTimer = 1;
 constexpr u64 kPrintPeriodMs = 200;
+constexpr u32 kPurgeTimer = 2;
+constexpr u64 kPurgePeriodMs = 5000;
+// A period of 0 must not keep the loop busy; other systems' timers have the same shortest period.
+constexpr u64 kShortestPeriodMs = 10;
 constexpr u32 kLongestWaitMs = 60000;
 
 u64 SteadyMs() {
@@ -24,19 +34,36 @@ HeadlessFrame::HeadlessFrame(Services& services, EventHandle leave, std::FILE* o
 bool HeadlessFrame::CreateApp(VardelData& data, Vardel&) {
     if (!leave_) return false;
     built_ = true;
-    data.ParseNotificationWords(data.settings.SyslogNotificationWords);
+    EngineDeeds deeds(data);
+    PeriodicTick tick(&data, alerts_, deeds);
     report_.PrintNewEvents(data);
-    timers_.Arm(kPrintTimer, kPrintPeriodMs, SteadyMs());
+    ArmAll(data);
+    VARDEL_TRACE("HeadlessFrame", "CreateApp", "Start messageloop...");
     while (services_.events.Wait(leave_, timers_.UntilNext(SteadyMs(), kLongestWaitMs)) == WaitResult::TimedOut) {
         const u64 now = SteadyMs();
-        while (const auto due = timers_.TakeDue(now)) OnTimer(*due, data);
+        while (const auto due = timers_.TakeDue(now)) OnTimer(*due, data, tick);
     }
-    timers_.Kill(kPrintTimer);
+    timers_ = {};
     return true;
 }
 
-void HeadlessFrame::OnTimer(u32 id, VardelData& data) {
+void HeadlessFrame::ArmAll(VardelData& data) {
+    const u64 now = SteadyMs();
+    timers_.Arm(kPrintTimer, kPrintPeriodMs, now);
+    timers_.Arm(kPurgeTimer, kPurgePeriodMs, now);
+    QueueTimers timers(timers_);
+    ArmTimers(timers, data);
+}
+
+void HeadlessFrame::QueueTimers::Arm(u32 id, u64 periodMs) {
+    queue_.Arm(id, std::max(periodMs, kShortestPeriodMs), SteadyMs());
+}
+
+void HeadlessFrame::OnTimer(u32 id, VardelData& data, PeriodicTick& tick) {
     if (id == kPrintTimer) report_.PrintNewEvents(data);
+    // Without a view of the messages nobody else would free them.
+    else if (id == kPurgeTimer) PurgeExpiredSyslogs(data);
+    else tick.OnTimer(id);
 }
 
 void HeadlessFrame::ShowError(const char* title, const char* text) {

@@ -1,6 +1,10 @@
 #include "frame/HiddenWindowFrame.h"
 
+#include <algorithm>
+
 #include "capture/Vardel.h"
+#include "foundation/TcTrace.h"
+#include "frame/EngineDeeds.h"
 
 namespace vardel {
 
@@ -30,17 +34,30 @@ bool HiddenWindowFrame::CreateApp(VardelData& data, Vardel& app) {
                                         nullptr, instance, this);
     if (window) {
         built_ = true;
-        ShowWindow(window, SW_HIDE);
-        UpdateWindow(window);
-        data.ParseNotificationWords(data.settings.SyslogNotificationWords);
-        report_.PrintNewEvents(data);
-        SetTimer(window, kPrintTimer, kPrintPeriodMs, nullptr);
-        app.RunMessageLoop();
-        KillTimer(window, kPrintTimer);
+        RunWindow(window, data, app);
         DestroyWindow(window);
     }
     UnregisterClassA(kMainWindowClass, instance);
     return window != nullptr;
+}
+
+void HiddenWindowFrame::RunWindow(HWND window, VardelData& data, Vardel& app) {
+    ShowWindow(window, SW_HIDE);
+    UpdateWindow(window);
+    EngineDeeds deeds(data);
+    PeriodicTick tick(&data, alerts_, deeds);
+    tick_ = &tick;
+    report_.PrintNewEvents(data);
+    SetTimer(window, kPrintTimer, kPrintPeriodMs, nullptr);
+    WindowTimers timers(window);
+    ArmTimers(timers, data);
+    VARDEL_TRACE("HiddenWindowFrame", "CreateApp", "Start messageloop...");
+    app.RunMessageLoop();
+    tick_ = nullptr;
+}
+
+void HiddenWindowFrame::WindowTimers::Arm(u32 id, u64 periodMs) {
+    SetTimer(window_, id, static_cast<UINT>(std::min<u64>(periodMs, USER_TIMER_MAXIMUM)), nullptr);
 }
 
 void HiddenWindowFrame::ShowError(const char* title, const char* text) {
@@ -64,6 +81,7 @@ LRESULT HiddenWindowFrame::OnMessage(HWND window, UINT message, WPARAM wParam, L
         case WM_TIMER: OnTimer(wParam); break;
         case WM_CLOSE: OnCommand(kExitCommand); return 0;
         case WM_ENDSESSION:
+            KillTimer(window, kArpFlushTimer);
             if (wParam) OnCommand(kExitCommand);
             break;
         default: break;
@@ -77,6 +95,7 @@ void HiddenWindowFrame::OnCommand(unsigned command) {
 
 void HiddenWindowFrame::OnTimer(UINT_PTR id) {
     if (id == kPrintTimer) report_.PrintNewEvents(*data_);
+    else if (tick_) tick_->OnTimer(static_cast<u32>(id));
 }
 
 }  // namespace vardel

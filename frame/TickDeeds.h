@@ -6,16 +6,17 @@
 
 #include "capture/NotifyPopup.h"
 #include "capture/VardelData.h"
+#include "plugins/plugin_interface.h"
 
 namespace vardel {
 
 // What plugins are told of, and by which list.
 enum PluginNotify : u32 {
-    kNotifyNewHosts = 0,
-    kNotifyNewShares = 1,
-    kNotifyShareAccesses = 2,
-    kNotifyMacSpoofs = 4,
-    kNotifyHostCount = 32
+    kNotifyNewHosts = PLUGIN_NOTIFY_NEW_HOSTS,
+    kNotifyNewShares = PLUGIN_NOTIFY_NEW_SHARES,
+    kNotifyShareAccesses = PLUGIN_NOTIFY_ACCESSES,
+    kNotifyMacSpoofs = PLUGIN_NOTIFY_SPOOFS,
+    kNotifyHostCount = PLUGIN_NOTIFY_HOST_COUNT
 };
 
 class TickDeeds {

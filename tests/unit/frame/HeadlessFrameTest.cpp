@@ -25,6 +25,17 @@ struct HeadlessFrameTest : testing::Test {
         SystemEvents().Close(leave);
     }
     void Leave() { SystemEvents().Set(leave); }
+    // Runs the frame until `done` says so, at most ten seconds.
+    template <class Done>
+    void RunUntil(Done&& done) {
+        std::thread user([&] {
+            for (int tries = 0; tries < 1000 && !done(); ++tries)
+                std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            Leave();
+        });
+        frame.CreateApp(app.data, app);
+        user.join();
+    }
     // A line of the output without its time of day.
     std::string WithoutTimes() {
         std::string text;
@@ -112,6 +123,55 @@ TEST_F(HeadlessFrameTest, ParsesTheNotificationWordsBeforeItsLoop) {
     frame.CreateApp(app.data, app);
     EXPECT_EQ(app.data.notificationWords.Count(), 2u);
     EXPECT_NE(app.data.notificationWords.FindValue("oops"), nullptr);
+}
+
+TEST_F(HeadlessFrameTest, TellsOfNewHostsBeforeItLeaves) {
+    app.data.settings.UseToolTips = 1;
+    app.data.settings.NotifyTrusted = 0;
+    HostRecord* host = app.data.Adopt(std::make_unique<HostRecord>());
+    host->ip = "10.0.0.5";
+    host->hostName = "desk";
+    app.data.arpMap.Insert(host->ip, host);
+    app.data.newEntries.Append(host);
+    system.strings.texts[76] = "New host(s) found :";
+    RunUntil([&] { return app.data.newEntries.IsEmpty(); });
+    EXPECT_NE(output.Content().find("Alert: New host(s) found :\n    desk [10.0.0.5]\n"), std::string::npos);
+    EXPECT_EQ(notices.shown, std::vector<std::string>{"Vardelwatch: New host(s) found :\n\tdesk [10.0.0.5]"});
+}
+
+TEST_F(HeadlessFrameTest, TellsEveryAlertSinceItsPopupsNeverShow) {
+    app.data.settings.UseToolTips = 1;
+    app.data.settings.NotifyTrusted = 0;
+    app.data.settings.MACSpoofingVisualization = 1;
+    HostRecord* host = app.data.Adopt(std::make_unique<HostRecord>());
+    host->ip = "10.0.0.5";
+    app.data.newEntries.Append(host);
+    app.data.macSpoofs.Append(host);
+    system.strings.texts[76] = "New host(s) found :";
+    system.strings.texts[77] = "MAC spoofing alert on following addresses :";
+    RunUntil([&] { return app.data.macSpoofs.IsEmpty(); });
+    EXPECT_EQ(notices.shown.size(), 2u);
+}
+
+TEST_F(HeadlessFrameTest, FreesExpiredSyslogMessagesNowAndThen) {
+    auto list = std::make_unique<SyslogSourceList>();
+    SyslogSourceList* messages = list.get();
+    for (int i = 0; i < 3; ++i) {
+        messages->ExpireOldest(1);
+        messages->Append(std::make_unique<SyslogRecord>());
+    }
+    app.data.syslogs.Insert("10.0.0.5", std::move(list));
+    RunUntil([&] { return messages->RecordCount() == 1; });
+    EXPECT_EQ(messages->RecordCount(), 1u);
+}
+
+TEST_F(HeadlessFrameTest, AnIntervalOfZeroDoesNotKeepItBusy) {
+    app.data.settings.WatchInterval = 0;
+    int rounds = 0;
+    system.strings.onLoad = [&](u32 id) { rounds += id == 75; };
+    const auto begin = std::chrono::steady_clock::now();
+    RunUntil([&] { return std::chrono::steady_clock::now() - begin > std::chrono::milliseconds(700); });
+    EXPECT_GE(rounds, 1);  // the tray tick has its turn all the same
 }
 
 TEST_F(HeadlessFrameTest, LeavesAtOnceWhenAsked) {

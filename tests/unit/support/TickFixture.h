@@ -28,11 +28,17 @@ class CountingEvents : public Events {
     void Close(EventHandle event) override { SystemEvents().Close(event); }
     bool Set(EventHandle event) override { return ++sets, SystemEvents().Set(event); }
     bool Reset(EventHandle event) override { return ++resets, SystemEvents().Reset(event); }
-    WaitResult Wait(EventHandle event, u32 timeoutMs) override { return ++waits, SystemEvents().Wait(event, timeoutMs); }
+    WaitResult Wait(EventHandle event, u32 timeoutMs) override {
+        ++waits;
+        lastTimeoutMs = timeoutMs;
+        return timesOut ? WaitResult::TimedOut : SystemEvents().Wait(event, timeoutMs);
+    }
     WaitResult WaitEither(EventHandle first, EventHandle second, u32 timeoutMs) override {
         return SystemEvents().WaitEither(first, second, timeoutMs);
     }
     int sets = 0, resets = 0, waits = 0;
+    bool timesOut = false;  // every wait, at once
+    u32 lastTimeoutMs = 0;
 };
 
 inline const std::map<u32, std::string>& TickTexts() {
