@@ -23,6 +23,8 @@ Vardel::Vardel(Services& systemServices, VardelFrame& userFrame)
 Vardel::~Vardel() {
     data.adapters.clear();
     StopLeftThreads();
+    // Behind the threads, which may be loading a text.
+    FreeLanguages();
     if (systemInfo) TcSystemInfo::DestroyObject(systemInfo);
     services.captureModules.Free(captureModule);
     services.captureModules.Free(packetModule);
@@ -55,6 +57,14 @@ void Vardel::StopLeftThreads() {
     RequestStops();
     if (!services.threads.WaitAll(left, kThreadEndTimeoutMs)) std::_Exit(EXIT_FAILURE);
     for (const ThreadHandle handle : left) services.threads.Close(handle);
+}
+
+// The built-in language has no file and is the program itself.
+void Vardel::FreeLanguages() {
+    data.languages.ForEach([this](const TcString&, const LanguageEntry* language) {
+        if (language && !language->file.IsEmpty()) services.modules.Free(language->module);
+    });
+    data.languages.Clear();
 }
 
 void Vardel::ErrorBox(u32 stringId) {

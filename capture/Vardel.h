@@ -48,6 +48,9 @@ class Vardel : public TcWinMain {
     // Starts a vendor run; a run that hasn't ended is abandoned and publishes nothing.
     bool ReadMACVendorFile();
 
+    // Fills `data.languages` and gives the module of the chosen language; null: the program's own texts.
+    ModuleHandle LoadLanguages();
+
     bool StartEventLogWrite();
     bool StopEventLogWrite();
     bool IsEventWriterRunning() const;
@@ -107,6 +110,7 @@ class Vardel : public TcWinMain {
 
     // Asks what an early end of the run left behind to stop, and waits for it.
     void StopLeftThreads();
+    void FreeLanguages();
 
     EventHandle eventGuard_ = nullptr;
     bool apartmentEntered_ = false;

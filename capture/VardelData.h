@@ -10,6 +10,7 @@
 #include <mutex>
 
 #include "capture/Fences.h"
+#include "capture/LanguageEntry.h"
 #include "capture/SharedRecords.h"
 #include "platform/Services.h"
 #include "plugins/PluginNotifyQueue.h"
@@ -66,6 +67,7 @@ class VardelData {
     SyslogNotifyList syslogNotifications;
     PluginNotifyQueue notifyQueue;
     PluginTable plugins;
+    LanguageTable languages;
     Shared<u8> interfaceChanged;
     Shared<u8> capturing;
     TcString newestProgramVersion;  // as the server wrote it; empty when none is on offer

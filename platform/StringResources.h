@@ -1,5 +1,14 @@
 // User texts by numeric id, from a language module or the program itself.
+//
+// Windows: the module's resources. Linux: the program's own texts are a table in it; a language module is asked for its
+// texts by its entry point
+//
+//     int GetModuleText(u32 id, char* buffer, int size)
+//
+// which copies the text, cut to size - 1 characters and terminated, and gives its length; 0 for an unknown id.
 #pragma once
+
+#include <string>
 
 #include "platform/Types.h"
 
@@ -19,5 +28,9 @@ class StringResources {
 };
 
 StringResources& SystemStringResources();
+
+// The name of a Windows locale's language in that language itself ("English" for 1033). Elsewhere only the program's
+// own language has one. Empty when unknown.
+std::string NativeLanguageName(u32 locale);
 
 }  // namespace vardel

@@ -1,5 +1,7 @@
 #include "platform/StringResources.h"
 
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <cstring>
 
@@ -9,12 +11,25 @@ namespace vardel {
 
 namespace {
 
+extern "C" using GetModuleText = int(u32 id, char* buffer, int size);
+
+constexpr u32 kEnglishLocale = 1033;
+
+int LoadFromModule(ModuleHandle module, u32 id, char* buffer, int size) {
+    const auto text = reinterpret_cast<GetModuleText*>(dlsym(module, "GetModuleText"));
+    if (!text || text(id, buffer, size) <= 0) {
+        buffer[0] = 0;
+        return 0;
+    }
+    buffer[size - 1] = 0;
+    return static_cast<int>(std::strlen(buffer));
+}
+
 class TableStrings : public StringResources {
   public:
-    // The program's own texts are the only ones: no module of texts can be loaded here.
     int Load(ModuleHandle module, u32 id, char* buffer, int size) override {
         buffer[0] = 0;
-        if (module) return 0;
+        if (module) return LoadFromModule(module, id, buffer, size);
         const auto texts = EnglishTexts();
         const auto found = std::ranges::lower_bound(texts, id, {}, &StringTableEntry::id);
         if (found == texts.end() || found->id != id) return 0;
@@ -31,5 +46,7 @@ StringResources& SystemStringResources() {
     static TableStrings strings;
     return strings;
 }
+
+std::string NativeLanguageName(u32 locale) { return locale == kEnglishLocale ? "English" : ""; }
 
 }  // namespace vardel

@@ -22,4 +22,9 @@ StringResources& SystemStringResources() {
     return strings;
 }
 
+std::string NativeLanguageName(u32 locale) {
+    char name[256];
+    return GetLocaleInfoA(locale, LOCALE_SNATIVELANGNAME, name, sizeof name) > 0 ? name : std::string();
+}
+
 }  // namespace vardel
