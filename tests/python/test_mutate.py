@@ -9,7 +9,9 @@ import unittest
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 sys.path.insert(0, os.path.join(ROOT, "tools", "mutation"))
 
-from source_mutations import mutations_of
+from record import Record
+from source_mutations import Mutation, mutations_of
+from test_program import TestProgram
 from workshop import Outcome, Workshop, WorkshopError
 
 
@@ -115,71 +117,213 @@ class SilentPlacesTest(unittest.TestCase):
                     self.assertEqual(other.count("\n"), text.count("\n"))
 
 
-# A project as small as can be, with the one target that a workshop builds.
+# A project as small as can be, with the programs that a workshop builds: tests of its own folder, and all tests.
 PROJECT = {
     "CMakeLists.txt": "cmake_minimum_required(VERSION 3.25)\nproject(Vardelwatch LANGUAGES CXX)\n"
                       "add_subdirectory(tests/unit)\n",
-    "tests/unit/CMakeLists.txt": "add_executable(unit_tests test.cpp ../../engine.cpp)\n"
-                                 "target_include_directories(unit_tests PRIVATE ../..)\n",
-    "tests/unit/test.cpp": "int Half(int);\nint main() { return Half(8) == 4 && Half(9) == 4 ? 0 : 1; }\n",
-    "engine.cpp": "static const int kUnused = 7;\nconstexpr int kHalf = 2;\n"
-                  "int Half(int n) {\n    while (n < 0) ++n;\n    return n / kHalf;\n}\n",
+    "tests/unit/CMakeLists.txt":
+        "foreach(folder capture foundation settings watchers all)\n"
+        "    add_executable(unit_tests_${folder} test.cpp ../../foundation/engine.cpp)\n"
+        "endforeach()\n"
+        "target_compile_definitions(unit_tests_all PRIVATE ALL)\n",
+    "tests/unit/test.cpp": """
+        #include <cstdio>
+        #include <cstring>
+        #include <string>
+        int Half(int);
+        int Sign(int);
+        struct Test { const char* name; bool (*passes)(); };
+        const Test kTests[] = {
+            {"Half.OfEven", [] { return Half(8) == 4; }},
+            {"Half.OfOdd", [] { return Half(9) == 4; }},
+        #ifdef ALL
+            {"Sign.OfNegative", [] { return Sign(-5) == -1; }},
+        #endif
+        };
+        int main(int count, char** words) {
+            const std::string wanted = count > 1 ? std::strchr(words[1], '=') + 1 : "";
+            for (const Test& test : kTests) {
+                if (!wanted.empty() && (":" + wanted + ":").find(":" + std::string(test.name) + ":") == std::string::npos)
+                    continue;
+                std::printf("[ RUN      ] %s\\n", test.name);
+                std::fflush(stdout);
+                if (!test.passes()) return 1;
+                std::printf("[       OK ] %s (0 ms)\\n", test.name);
+            }
+        }
+        """,
+    "foundation/engine.cpp": "static const int kUnused = 7;\nconstexpr int kHalf = 2;\n"
+                             "int Half(int n) {\n    while (n < 0) ++n;\n    return n / kHalf;\n}\n"
+                             "int Sign(int n) { return n < 0 ? -1 : n > 0; }\n",
 }
 
 
 class WorkshopTest(unittest.TestCase):
-    def make(self, files):
-        folder = self.enterContext(tempfile.TemporaryDirectory(prefix="vardel-mutate-test-"))
-        root = os.path.join(folder, "root")
+    def write(self, folder, files):
         for name, text in files.items():
-            path = os.path.join(root, name)
+            path = os.path.join(folder, name)
             os.makedirs(os.path.dirname(path), exist_ok=True)
             with open(path, "w", encoding="utf-8") as out:
                 out.write(text)
-        return Workshop(root, list(files), os.path.join(folder, "scratch"))
 
-    def outcomes(self, workshop, text):
+    def make(self, files):
+        self.folder = self.enterContext(tempfile.TemporaryDirectory(prefix="vardel-mutate-test-"))
+        self.write(os.path.join(self.folder, "root"), files)
+        return self.open(files)
+
+    def open(self, files):
+        return Workshop(os.path.join(self.folder, "root"), list(files), os.path.join(self.folder, "scratch"))
+
+    def outcomes(self, workshop, text, judge=Workshop.judge):
         """The outcomes by what the changed line says."""
         found = {}
-        for mutation in mutations_of("engine.cpp", text):
+        for mutation in mutations_of("foundation/engine.cpp", text):
             line = mutation.apply(text).split("\n")[mutation.line(text) - 1].strip()
-            found[line] = workshop.judge(mutation)
+            found[line] = judge(workshop, mutation)
         return found
 
-    def test_changes_are_caught_survive_have_no_effect_or_do_not_compile(self):
-        text = PROJECT["engine.cpp"]
+    def test_the_tests_of_the_own_folder_decide_first_and_all_the_others_settle(self):
+        text = PROJECT["foundation/engine.cpp"]
         workshop = self.make(PROJECT)
         workshop.prepare()
-        self.assertEqual(self.outcomes(workshop, text), {
+        judged = self.outcomes(workshop, text)
+        self.assertEqual({line for line, outcome in judged.items() if outcome is Outcome.CAUGHT},
+                         {"constexpr int kHalf = 3;", "constexpr int kHalf = 1;"})
+        self.assertEqual({outcome for outcome in judged.values()}, {Outcome.CAUGHT, Outcome.UNDECIDED})
+        workshop.prepare_whole()
+        settled = self.outcomes(workshop, text, Workshop.settle)
+        self.assertEqual({line: outcome for line, outcome in settled.items() if "kHalf" not in line}, {
             "static const int kUnused = 8;": Outcome.NO_EFFECT,
             "static const int kUnused = 6;": Outcome.NO_EFFECT,
-            "constexpr int kHalf = 3;": Outcome.CAUGHT,
-            "constexpr int kHalf = 1;": Outcome.CAUGHT,
             "while (n <= 0) ++n;": Outcome.SURVIVED,
             "while (n < 1) ++n;": Outcome.SURVIVED,
+            "int Sign(int n) { return n <= 0 ? -1 : n > 0; }": Outcome.SURVIVED,
+            "int Sign(int n) { return n < 1 ? -1 : n > 0; }": Outcome.SURVIVED,
+            "int Sign(int n) { return n < 0 ? -2 : n > 0; }": Outcome.CAUGHT,
+            "int Sign(int n) { return n < 0 ? -0 : n > 0; }": Outcome.CAUGHT,
+            "int Sign(int n) { return n < 0 ? -1 : n >= 0; }": Outcome.SURVIVED,
+            "int Sign(int n) { return n < 0 ? -1 : n > 1; }": Outcome.SURVIVED,
         })
-        with open(os.path.join(workshop.source, "engine.cpp"), encoding="utf-8") as source:
+        with open(os.path.join(workshop.source, "foundation", "engine.cpp"), encoding="utf-8") as source:
             self.assertEqual(source.read(), text, "the source is whole again")
 
     def test_a_change_that_hangs_is_caught_by_the_time_limit(self):
-        text = "int Half(int n) {\n    while (n < 0) n += 1;\n    return n / 2;\n}\n"
-        test = "int Half(int);\nint main() { return Half(-3); }\n"
-        workshop = self.make({**PROJECT, "engine.cpp": text, "tests/unit/test.cpp": test})
+        text = "int Half(int n) {\n    while (n > 9) n -= 1;\n    return n / 2;\n}\nint Sign(int) { return -1; }\n"
+        test = PROJECT["tests/unit/test.cpp"].replace("Half(9) == 4", "Half(12) == 4")
+        workshop = self.make({**PROJECT, "foundation/engine.cpp": text, "tests/unit/test.cpp": test})
         workshop.prepare()
-        workshop.time_limit = 3
-        self.assertEqual(self.outcomes(workshop, text)["while (n < 0) n += 0;"], Outcome.CAUGHT)
+        self.assertEqual(workshop.judge(next(mutation for mutation in mutations_of("foundation/engine.cpp", text)
+                                             if "n -= 0;" in mutation.apply(text))), Outcome.CAUGHT)
 
     def test_a_change_that_does_not_compile_does_not_count(self):
-        text = PROJECT["engine.cpp"] + "constexpr int Checked(int n) { return n == 7 ? n : throw n; }\n" + \
+        text = PROJECT["foundation/engine.cpp"] + \
+            "constexpr int Checked(int n) { return n == 7 ? n : throw n; }\n" + \
             "constexpr int kChecked = Checked(7);\nint use = kChecked;\n"
-        workshop = self.make({**PROJECT, "engine.cpp": text})
+        workshop = self.make({**PROJECT, "foundation/engine.cpp": text})
         workshop.prepare()
         self.assertEqual(self.outcomes(workshop, text)["constexpr int kChecked = Checked(8);"], Outcome.NOT_COMPILED)
 
     def test_a_project_whose_tests_fail_is_refused(self):
-        workshop = self.make({**PROJECT, "engine.cpp": PROJECT["engine.cpp"].replace("kHalf = 2", "kHalf = 3")})
+        text = PROJECT["foundation/engine.cpp"].replace("kHalf = 2", "kHalf = 3")
+        workshop = self.make({**PROJECT, "foundation/engine.cpp": text})
         with self.assertRaises(WorkshopError):
             workshop.prepare()
+
+    def test_a_folder_that_a_cut_off_run_left_changed_is_put_right(self):
+        text = PROJECT["foundation/engine.cpp"]
+        workshop = self.make(PROJECT)
+        workshop.prepare()
+        self.write(workshop.source, {"foundation/engine.cpp": text.replace("kHalf = 2", "kHalf = 3")})
+        self.assertTrue(workshop._builds("unit_tests_foundation"))
+        self.open(PROJECT).prepare()  # its tests pass
+
+    def test_a_kept_folder_takes_up_what_the_project_says_now(self):
+        self.make(PROJECT).prepare()
+        files = {**PROJECT, "foundation/engine.cpp": PROJECT["foundation/engine.cpp"].replace("kHalf = 2", "kHalf = 3")}
+        self.write(os.path.join(self.folder, "root"), files)
+        with self.assertRaises(WorkshopError):
+            self.open(files).prepare()
+
+
+class TestProgramTest(unittest.TestCase):
+    """Programs of tests told by what each of their runs answers."""
+
+    OK_ONE = "[ RUN      ] A.One\n[       OK ] A.One (10 ms)\n"
+    OK = OK_ONE + "[ RUN      ] A.Two\n[       OK ] A.Two (2000 ms)\n"
+
+    def program(self, *answers):
+        self.asked = []
+        waiting = iter([(0, self.OK), *answers])
+
+        def run(words, *_):
+            self.asked.append(words[1:])
+            return next(waiting)
+
+        times = iter((0.0, 2.01))
+        program = TestProgram("p", run)
+        self.assertIsNone(program.measure(60, lambda: next(times)))
+        return program
+
+    def test_long_tests_are_told_from_the_others(self):
+        program = self.program()
+        self.assertEqual(program.tests(is_long=False), ["A.One"])
+        self.assertEqual(program.tests(is_long=True), ["A.Two"])
+
+    def test_quick_tests_run_first_and_a_failure_ends_it(self):
+        failed = (1, "[ RUN      ] A.One\n")
+        self.assertTrue(self.program(failed, failed).fail(["A.Two", "A.One"]))
+        self.assertEqual(self.asked[1:], [["--gtest_filter=A.One"]] * 2)
+
+    def test_a_test_that_fails_once_and_never_again_proves_nothing(self):
+        program = self.program((1, "[ RUN      ] A.One\n"), (0, self.OK_ONE), (0, self.OK_ONE))
+        self.assertFalse(program.fail(["A.One"]))
+
+    def test_tests_that_fail_only_together_count(self):
+        program = self.program((1, "[ RUN      ] A.One\n"), (0, self.OK_ONE), (1, "[ RUN      ] A.One\n"))
+        self.assertTrue(program.fail(["A.One"]))
+
+    def test_a_program_that_leaves_early_has_not_passed(self):
+        self.assertTrue(self.program((0, ""), (0, ""), (0, "")).fail(["A.One"]))
+
+    def test_a_run_past_its_limit_is_a_failure(self):
+        self.assertTrue(self.program((None, "")).fail(["A.One"]))
+
+
+class RecordTest(unittest.TestCase):
+    MUTATIONS = [Mutation("f.cpp", at, at + 1, "9", "constant") for at in range(4)]
+    SOURCES = {"f.cpp": "0123"}
+
+    def setUp(self):
+        self.path = os.path.join(self.enterContext(tempfile.TemporaryDirectory(prefix="vardel-mutate-test-")), "record")
+        outcomes = (Outcome.CAUGHT, Outcome.SURVIVED, Outcome.NOT_COMPILED)
+        with Record(self.path) as record:
+            for mutation, outcome in zip(self.MUTATIONS, outcomes):
+                record.add(mutation, "0123", outcome, [])
+
+    def known(self, sample=300, again=False, sources=SOURCES):
+        with Record(self.path) as record:
+            found = record.outcomes(self.MUTATIONS, sources, sample, again)
+        return {mutation.start: outcome for mutation, outcome in found.items()}
+
+    def test_a_run_takes_over_what_an_earlier_one_found(self):
+        self.assertEqual(self.known(), {0: Outcome.CAUGHT, 1: Outcome.SURVIVED, 2: Outcome.NOT_COMPILED})
+
+    def test_the_sample_ends_with_as_many_as_count(self):
+        self.assertEqual(self.known(sample=1), {0: Outcome.CAUGHT})
+
+    def test_survivors_may_be_judged_again(self):
+        self.assertEqual(self.known(again=True), {0: Outcome.CAUGHT, 2: Outcome.NOT_COMPILED})
+
+    def test_a_file_that_has_changed_is_judged_anew(self):
+        self.assertEqual(self.known(sources={"f.cpp": "0124"}), {})
+
+    def test_a_torn_line_is_dropped_and_harms_no_later_one(self):
+        with open(self.path, "r+", encoding="utf-8") as record:
+            record.truncate(len(record.read()) - 10)
+        self.assertEqual(self.known(), {0: Outcome.CAUGHT, 1: Outcome.SURVIVED})
+        with Record(self.path) as record:
+            record.add(self.MUTATIONS[3], "0123", Outcome.CAUGHT, [])
+        self.assertEqual(self.known(), {0: Outcome.CAUGHT, 1: Outcome.SURVIVED, 3: Outcome.CAUGHT})
 
 
 class CommandTest(unittest.TestCase):
@@ -197,6 +341,9 @@ class CommandTest(unittest.TestCase):
             if line and not line.startswith(" "):
                 self.assertRegex(line, r"^(capture|foundation|settings|watchers)/\w+\.(cpp|h):\d+ \((constant|comparison|row)\)$")
                 self.assertNotIn("_win.", line)
+
+    def test_generated_tables_are_left_out(self):
+        self.assertNotIn("BlowfishTables", self.list_changes("--sample", "1000000"))
 
 
 if __name__ == "__main__":

@@ -1,7 +1,8 @@
 """Finds the places of a C++ source where one constant, comparison or table row can be changed.
 
 Works on the text alone. Left alone are comments, preprocessor lines, static assertions, alignments and whatever
-stands in the parentheses of a trace call. A change never moves a line, so that line numbers stay what they are.
+stands in the parentheses of a call of Trace itself; what VARDEL_TRACE writes is compared by tests and changed. A
+change never moves a line, so that line numbers stay what they are.
 """
 
 import dataclasses
