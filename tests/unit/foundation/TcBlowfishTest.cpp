@@ -76,6 +76,25 @@ TEST(TcBlowfish, NothingOfTheStoredFormStaysBehindTheDecodedText) {
     for (int i = 6; i < kBufferSize; ++i) ASSERT_EQ(buffer[i], 0) << i;
 }
 
+TEST(TcBlowfish, DecodeWritesNothingBehindTheStoredForm) {
+    const std::string stored = Encoded("secret");
+    unsigned char buffer[kBufferSize];
+    std::memset(buffer, 'x', sizeof buffer);
+    std::memcpy(buffer, stored.data(), stored.size());
+    ASSERT_TRUE(TcBlowfish().Decode(buffer, static_cast<int>(stored.size())));
+    EXPECT_EQ(buffer[stored.size()], 0);
+    for (std::size_t i = stored.size() + 1; i < kBufferSize; ++i) ASSERT_EQ(buffer[i], 'x') << i;
+}
+
+TEST(TcBlowfish, TheLongestTextHas64Characters) {
+    const std::string longest(64, 'x');
+    EXPECT_EQ(Encoded(longest).size(), 96u);
+    EXPECT_EQ(Decoded(Encoded(longest)), longest);
+    unsigned char buffer[kBufferSize];
+    std::memset(buffer, 'x', sizeof buffer);
+    EXPECT_FALSE(TcBlowfish().Encode(buffer, 65));
+}
+
 TEST(TcBlowfish, ATextThatIsTooLongIsNotStoredInTheClear) {
     unsigned char buffer[kBufferSize];
     std::memset(buffer, 'x', sizeof buffer);

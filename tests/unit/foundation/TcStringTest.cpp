@@ -250,6 +250,30 @@ TEST(TcString, HandsItsBufferOutForWriting) {
     EXPECT_EQ(text.SetStrLen(), 200);
 }
 
+TEST(TcString, FindsTheEndOfWhatWasWrittenIntoTheObject) {
+    for (const char byte : {'\x01', '\x02', 'a', '\x7f', '\x80', '\x81', '\xfe', '\xff'}) {
+        for (std::size_t length = 0; length <= 23; ++length) {
+            TcString text("a text inside object");
+            // Behind the zero lies what a C function left there.
+            std::memset(text.GetContent(), '\x01', 24);
+            std::memset(text.GetContent(), byte, length);
+            text.GetContent()[length] = 0;
+            ASSERT_EQ(text.SetStrLen(), static_cast<int>(length)) << static_cast<int>(byte);
+            const std::string expected(length, byte);
+            ASSERT_EQ(text.GetContent(), expected);
+            ASSERT_TRUE(text == TcString(expected.c_str())) << "nothing behind the end counts";
+            ASSERT_EQ(text.GetHashNum(), TcString(expected.c_str()).GetHashNum());
+        }
+    }
+}
+
+TEST(TcString, AWrittenTextWithoutAnEndIsCutWhereTheObjectEnds) {
+    TcString text;
+    std::memset(text.GetContent(), 'x', 24);
+    EXPECT_EQ(text.SetStrLen(), 23);
+    EXPECT_STREQ(text.GetContent(), "xxxxxxxxxxxxxxxxxxxxxxx");
+}
+
 // The number is part of what other builds rely on; these were taken once and stay.
 TEST(TcString, HashesTheSameInEveryBuild) {
     EXPECT_EQ(TcString("").GetHashNum(), 1433898575);
