@@ -56,5 +56,29 @@ TEST(Reclaim, LaterPinsHoldNothingBack) {
     EXPECT_EQ(freed, 1);
 }
 
+TEST(Reclaim, AnEndedThreadsSlotServesTheNextThread) {
+    const auto slotOfAThread = [] {
+        detail::ReaderSlot* slot = nullptr;
+        std::thread([&] {
+            ReadPin pin;
+            slot = detail::slotOfThread;
+        }).join();
+        return slot;
+    };
+    detail::ReaderSlot* first = slotOfAThread();
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(slotOfAThread(), first);
+}
+
+TEST(Reclaim, ManyRetiredObjectsAreFreedWithoutBeingAskedFor) {
+    constexpr int kObjects = 1000;
+    std::atomic<int> freed{0};
+    for (int i = 0; i < kObjects; ++i) RetireObject(new Tracked(freed));
+    EXPECT_GT(freed, kObjects - 64) << "at most a batch waits";
+    FreeRetired();
+    EXPECT_EQ(freed, kObjects);
+    EXPECT_EQ(RetiredCount(), 0u);
+}
+
 }  // namespace
 }  // namespace vardel

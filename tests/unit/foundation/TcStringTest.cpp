@@ -142,6 +142,22 @@ TEST(TcString, CopiesLeftAndMiddleWithinTheBuffer) {
     EXPECT_STREQ(buffer, "he");
     EXPECT_EQ(text.GetMiddle(buffer, sizeof buffer, 99, 1), 0);
     EXPECT_STREQ(buffer, "");
+    EXPECT_EQ(text.GetMiddle(buffer, sizeof buffer, 10, 3), 1);
+    EXPECT_STREQ(buffer, "d");
+    EXPECT_EQ(text.GetLeft(buffer, sizeof buffer, 1), 1);
+    EXPECT_STREQ(buffer, "h");
+    EXPECT_EQ(text.GetLeft(buffer, sizeof buffer, 0), 0);
+    EXPECT_STREQ(buffer, "");
+}
+
+TEST(TcString, CopiesNothingIntoABufferWithoutRoom) {
+    const TcString text("hello");
+    char buffer[] = "xx";
+    EXPECT_EQ(text.GetLeft(buffer, 0, 5), 0);
+    EXPECT_EQ(text.GetMiddle(buffer, 0, 1, 5), 0);
+    EXPECT_STREQ(buffer, "xx");
+    EXPECT_EQ(text.GetLeft(buffer, 1, 5), 0);
+    EXPECT_STREQ(buffer, "");
 }
 
 TEST(TcString, SetTakesTheGivenBytes) {
@@ -159,6 +175,13 @@ TEST(TcString, SetSizeCutsAndLeavesShorterTextsAlone) {
     text = "short";
     text.SetSize(8);
     EXPECT_STREQ(text.GetContent(), "short");
+    EXPECT_TRUE(text.SetSize(5));
+    EXPECT_STREQ(text.GetContent(), "short");
+    EXPECT_FALSE(text.SetSize(-1));
+    EXPECT_STREQ(text.GetContent(), "short");
+    EXPECT_TRUE(text.SetSize(0));
+    EXPECT_TRUE(text.IsEmpty());
+    EXPECT_STREQ(text.GetContent(), "");
 }
 
 TEST(TcString, RemoveToTheEndLeavesTheFirstCharacters) {
@@ -217,7 +240,8 @@ TEST(TcString, TokensEndWithAnEmptyText) {
 TEST(TcString, TokensSkipRunsOfDelimiters) {
     TcString text(",;first;,second,");
     std::vector<std::string> tokens;
-    for (char* token = text.Token(",;", false); *token; token = text.Token(",;", true)) tokens.push_back(token);
+    for (char* token = text.Token(",;", false); *token; token = text.Token(",;", true))
+        tokens.push_back(token);
     EXPECT_EQ(tokens, (std::vector<std::string>{"first", "second"}));
 }
 

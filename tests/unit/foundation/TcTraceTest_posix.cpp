@@ -1,7 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <string>
+
 #include "foundation/TcTrace.h"
+#include "platform/Folders.h"
 #include "tests/unit/support/EnvironmentVariable_posix.h"
+#include "tests/unit/support/OwnDataFolder.h"
 
 namespace vardel {
 namespace {
@@ -20,6 +25,16 @@ TEST(TcTracePosix, AFileThatCannotBeWrittenLeavesTracingOff) {
     EXPECT_FALSE(TcTrace::SetupTracing(1, 1));
     EXPECT_FALSE(TcTrace::IsOn());
     EXPECT_FALSE(VARDEL_TRACE("Vardel", "MainRun", "Create app"));
+}
+
+TEST(TcTracePosix, ALineThatFindsTheDiskFullIsToldOf) {
+    const test::OwnDataFolder folder;
+    const std::string data = SystemFolders().LocalApplicationData();
+    std::filesystem::create_directories(data);
+    std::filesystem::create_symlink("/dev/full", data + "/" + kTraceFileName);
+    ASSERT_TRUE(TcTrace::SetupTracing(1, 1));
+    EXPECT_FALSE(TcTrace::Trace("Vardel", "MainRun", "Create app", "x.cpp", 1, "day", 0));
+    TcTrace::SetupTracing(0, 0);
 }
 
 }  // namespace
