@@ -1,6 +1,7 @@
 # The programs that tools/mutate builds and runs, read by tests/unit/CMakeLists.txt where VARDEL_FOLDER_TESTS is set:
 # unit_tests_FOLDER with the tests that mirror one engine folder and no library above it, and unit_tests_all with
-# every unit test, out of the same objects.
+# every unit test, out of the same objects. The literal twins take long to build and to run: only unit_tests_all has
+# them.
 
 # What the engine's sources parse again and again.
 set(ENGINE_HEADERS
@@ -30,22 +31,25 @@ function(test_objects name kind)
     target_precompile_headers(${name} REUSE_FROM tests_precompiled)
 endfunction()
 
+set(TWIN_TEST "/[A-Za-z]*TwinTest")
 set(ALL_OBJECTS)
 foreach(folder capture foundation frame platform settings watchers)
     set(sources ${UNIT_TESTS})
     list(FILTER sources INCLUDE REGEX "^${folder}/")
+    list(FILTER sources EXCLUDE REGEX ${TWIN_TEST})
     test_objects(tests_of_${folder} OBJECT ${sources})
     list(APPEND ALL_OBJECTS $<TARGET_OBJECTS:tests_of_${folder}>)
 endforeach()
 
-# The literal transcriptions know the capture; the rest of the support is for everyone.
+set(twins ${UNIT_TESTS})
+list(FILTER twins INCLUDE REGEX "${TWIN_TEST}|^support/(Literal|Twins)")
+test_objects(tests_twins OBJECT ${twins})
+list(APPEND ALL_OBJECTS $<TARGET_OBJECTS:tests_twins>)
+
 set(support ${UNIT_TESTS} support/SampleBytes.cpp support/OwnDataFolder_${VARDEL_OS}.cpp)
 list(FILTER support INCLUDE REGEX "^support/")
-set(twins ${support})
-list(FILTER twins INCLUDE REGEX "/(Literal|Twins)")
 list(FILTER support EXCLUDE REGEX "/(Literal|Twins)")
 test_objects(tests_support STATIC ${support})
-test_objects(tests_twins STATIC ${twins})
 
 # folder_program(NAME OBJECTS LIBRARIES...)
 function(folder_program name objects)
@@ -55,6 +59,6 @@ endfunction()
 
 folder_program(unit_tests_foundation $<TARGET_OBJECTS:tests_of_foundation> tests_support vardel_foundation)
 folder_program(unit_tests_settings $<TARGET_OBJECTS:tests_of_settings> tests_support vardel_settings)
-folder_program(unit_tests_capture $<TARGET_OBJECTS:tests_of_capture> tests_support tests_twins vardel_watchers)
+folder_program(unit_tests_capture $<TARGET_OBJECTS:tests_of_capture> tests_support vardel_watchers)
 folder_program(unit_tests_watchers $<TARGET_OBJECTS:tests_of_watchers> tests_support vardel_watchers)
-folder_program(unit_tests_all "${ALL_OBJECTS}" tests_support tests_twins vardel_frame)
+folder_program(unit_tests_all "${ALL_OBJECTS}" tests_support vardel_frame)
