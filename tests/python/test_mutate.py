@@ -12,6 +12,7 @@ sys.path.insert(0, os.path.join(ROOT, "tools", "mutation"))
 from record import Record
 from source_mutations import Mutation, mutations_of
 from test_program import TestProgram
+from wide_headers import LEAST_SOURCES, wide_headers
 from workshop import Outcome, Workshop, WorkshopError
 
 
@@ -324,6 +325,16 @@ class RecordTest(unittest.TestCase):
         with Record(self.path) as record:
             record.add(self.MUTATIONS[3], "0123", Outcome.CAUGHT, [])
         self.assertEqual(self.known(), {0: Outcome.CAUGHT, 1: Outcome.SURVIVED, 3: Outcome.CAUGHT})
+
+
+class WideHeadersTest(unittest.TestCase):
+    def test_a_header_is_wide_by_what_includes_it_through_others_too(self):
+        sources = {f"a/{number}.cpp": '#include "a/outer.h"\n' for number in range(LEAST_SOURCES)}
+        sources["a/outer.h"] = '#include "a/inner.h"\n#include <vector>\n#include "elsewhere.h"\n'
+        sources["a/inner.h"] = '#include "a/outer.h"\n'  # a circle does no harm
+        sources["a/few.h"] = ""
+        sources["a/0.cpp"] += '#include "a/few.h"\n'
+        self.assertEqual(wide_headers(sources), {"a/outer.h", "a/inner.h"})
 
 
 class CommandTest(unittest.TestCase):

@@ -161,5 +161,24 @@ TEST_F(TcTraceFile, MayBeTurnedOnAndOffWhileThreadsTrace) {
     for (const std::string& line : lines) EXPECT_TRUE(line.ends_with(", 0]")) << line;
 }
 
+TEST_F(TcTraceFile, OnlyALineThatStandsInTheFileCountsAsTraced) {
+    for (int round = 0; round < 20; ++round) {
+        ASSERT_TRUE(TcTrace::SetupTracing(1, 1));
+        std::atomic<bool> stop{false};
+        std::atomic<std::size_t> traced{0};
+        const auto trace = [&] {
+            while (!stop)
+                if (VARDEL_TRACE("Test", "Run", "step")) ++traced;
+        };
+        std::thread one(trace), other(trace);
+        while (traced < 20) std::this_thread::yield();
+        TcTrace::SetupTracing(0, 0);  // while they form their lines
+        stop = true;
+        one.join();
+        other.join();
+        ASSERT_EQ(Lines().size(), traced);
+    }
+}
+
 }  // namespace
 }  // namespace vardel
