@@ -591,5 +591,13 @@ TEST_F(MainRunTest, TheDestructorStopsAThreadThatIsStillRecorded) {
     EXPECT_TRUE(record.Has("close ReadVendorThread"));
 }
 
+TEST_F(MainRunTest, TheDestructorPassesOverAThreadThatNeverCameToRun) {
+    Run();
+    app->snifferThread.id = 7;  // without a handle
+    record.Clear();
+    EndApp();
+    EXPECT_EQ(record.Starting("wait "), Lines{});
+}
+
 }  // namespace
 }  // namespace vardel

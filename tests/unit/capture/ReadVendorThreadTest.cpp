@@ -344,6 +344,17 @@ TEST_F(VendorRuns, RestartReleasesBothFencesEvenWhenNoNewWorkerComes) {
     EXPECT_EQ(run, nullptr);
 }
 
+TEST_F(VendorRuns, RestartAfterTheBackfillLeavesTheFenceOfTheHostTableToItsTaker) {
+    Host("10.0.0.1", "00:00:0c:11:22:33");
+    UserList("0:0:c\tCisco\n");
+    ASSERT_TRUE(Restart());
+    ASSERT_TRUE(SystemThreads().WaitAll({&thread.handle, 1}, 20000));
+    data.fences.Raise(Fence::ArpMap);  // by someone else, who is still inside
+    RequestStop(params, events);
+    EXPECT_FALSE(Restart());
+    EXPECT_FALSE(Signalled(Fence::ArpMap));
+}
+
 TEST_F(VendorRuns, NoWorkerStartsOnceTheStopByteIsSet) {
     params.stop = 1;
     UserList("0:0:c\tCisco\n");
