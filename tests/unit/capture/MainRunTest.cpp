@@ -19,6 +19,7 @@
 #include "tests/unit/support/ScriptedCapture.h"
 #include "tests/unit/support/TestFolder.h"
 #include "tests/unit/support/TestServices.h"
+#include "tests/unit/support/TracedLines.h"
 
 namespace vardel {
 namespace {
@@ -589,6 +590,19 @@ TEST_F(MainRunTest, TheDestructorStopsAThreadThatIsStillRecorded) {
     EXPECT_EQ(record.Starting("wait "), Lines{"wait 15000"});
     EXPECT_TRUE(record.Has("close SnifferThread"));
     EXPECT_TRUE(record.Has("close ReadVendorThread"));
+}
+
+TEST_F(MainRunTest, TheDestructorTracesTheThreadsThatItStops) {
+    Stored([](VardelSettings& settings) { settings.EventLogSave = 1; });
+    frame.whileItRuns = [this](VardelData&, Vardel&) { threads.neverEnd = true; };
+    Run();
+    threads.neverEnd = false;
+    const test::TracedLines traced;
+    EndApp();
+    Lines steps = traced.Steps();
+    std::erase_if(steps, [](const std::string& step) { return !step.starts_with("Vardel::~Vardel"); });
+    EXPECT_EQ(steps, (Lines{"Vardel::~Vardel: exit sniffer thread", "Vardel::~Vardel: exit vendor thread",
+                            "Vardel::~Vardel: exit event writer thread"}));
 }
 
 TEST_F(MainRunTest, TheDestructorPassesOverAThreadThatNeverCameToRun) {
