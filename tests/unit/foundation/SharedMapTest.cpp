@@ -201,6 +201,38 @@ TEST(SharedMap, TellsAnAbsentKeyFromAKeyWithoutARecord) {
     EXPECT_EQ(RecordIn(map, "null"), std::nullopt);
 }
 
+// Two keys of one map, of which the first has a record or none.
+void ExpectApart(const TcString& first, Named* record, const TcString& second) {
+    Carrying map;
+    ReadPin pin;
+    EXPECT_TRUE(map.Insert(first, record));
+    EXPECT_EQ(RecordIn(map, second), std::nullopt);
+    EXPECT_EQ(map.Find(second), nullptr);
+    EXPECT_TRUE(map.Insert(second, nullptr));
+    EXPECT_EQ(RecordIn(map, first), std::optional(record));
+    EXPECT_EQ(RecordIn(map, second), std::optional<Named*>(nullptr));
+    EXPECT_TRUE(map.Erase(first));
+    EXPECT_EQ(RecordIn(map, first), std::nullopt);
+    EXPECT_EQ(RecordIn(map, second), std::optional<Named*>(nullptr));
+}
+
+TEST(SharedMap, KeysThatShareTheirPlaceAndTheirTagStayApart) {
+    std::map<u64, TcString> seen;
+    int pairs = 0;
+    for (int n = 0; n < 10'000; ++n) {
+        const TcString key = Key(n);
+        const u64 mixed = HashedKey(key).mixed;
+        const u64 placeAndTag = mixed >> 60 << 60 | (mixed >> 31 & 0xffff);  // of the smallest table
+        const auto [at, isFirst] = seen.try_emplace(placeAndTag, key);
+        if (isFirst) continue;
+        ++pairs;
+        Named record{at->second};
+        ExpectApart(at->second, &record, key);
+        ExpectApart(at->second, nullptr, key);
+    }
+    EXPECT_GT(pairs, 0);
+}
+
 TEST(SharedMap, LooksAtTheKeyOfTheRecordItself) {
     Carrying map;
     Named record{"another name"};
