@@ -334,7 +334,8 @@ class WideHeadersTest(unittest.TestCase):
         sources["a/inner.h"] = '#include "a/outer.h"\n'  # a circle does no harm
         sources["a/few.h"] = ""
         sources["a/0.cpp"] += '#include "a/few.h"\n'
-        self.assertEqual(wide_headers(sources), {"a/outer.h", "a/inner.h"})
+        sources["b/other.cpp"] = '#include "a/outer.h"\n'  # another folder's tests come later
+        self.assertEqual(wide_headers(sources), {"a/outer.h": LEAST_SOURCES, "a/inner.h": LEAST_SOURCES})
 
 
 class CommandTest(unittest.TestCase):

@@ -1,12 +1,12 @@
-"""Tells which headers a change of which takes long to build."""
+"""Tells which headers take long to build after a change."""
 
 import re
 
-LEAST_SOURCES = 10
+LEAST_SOURCES = 8
 
 
 def wide_headers(sources):
-    """The files that at least LEAST_SOURCES sources include, through others too."""
+    """The files that at least LEAST_SOURCES sources of their own folder include, through others too, with how many."""
     includers = {name: set() for name in sources}
     for name, text in sources.items():
         for included in re.findall(r'^#include "([^"]+)"', text, re.MULTILINE):
@@ -18,4 +18,9 @@ def wide_headers(sources):
             reached(other, seen)
         return seen
 
-    return {name for name in sources if sum(other.endswith(".cpp") for other in reached(name, set())) >= LEAST_SOURCES}
+    def folder(name):
+        return name.split("/")[0]
+
+    counts = {name: sum(other.endswith(".cpp") and folder(other) == folder(name) for other in reached(name, set()))
+              for name in sources}
+    return {name: count for name, count in counts.items() if count >= LEAST_SOURCES}
