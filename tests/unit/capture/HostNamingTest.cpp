@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "tests/unit/support/Lan.h"
 
 namespace vardel::test {
@@ -104,6 +106,12 @@ TEST_F(HostNaming, WithoutAnyAnswerTheNameIsNotAvailable) {
     data.localHostName = "this-pc";
     ExpectNoName();
     EXPECT_EQ(resolver.calls.size(), 4u);
+}
+
+TEST_F(HostNaming, TheTextForNoNameMayHave255Characters) {
+    for (auto& [id, text] : system.strings.texts)
+        if (text == "Hostname not available") text = std::string(255, 'x');
+    EXPECT_EQ(Resolve().hostName, TcString(std::string(255, 'x').c_str()));
 }
 
 }  // namespace
