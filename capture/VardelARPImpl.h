@@ -3,6 +3,8 @@
 // Requests, replies, gratuitous announcements and RARP frames are alike: only the sender's two addresses are read.
 #pragma once
 
+#include <limits>
+
 #include "capture/VardelCaptureData.h"
 #include "capture/VardelData.h"
 
@@ -24,8 +26,9 @@ class VardelARPImpl : public VardelCaptureData {
     void QueueInspection(HostRecord& host, VardelData& data);
     void ApplyLists(HostRecord& host, const HashedKey& key, bool firstSight, VardelData& data);
 
-    TcString timeOfDay_;       // timeText once more: assigning it to a text that tells it already costs nothing
-    i64 timeTextSecond_ = -1;  // the second that timeText tells
+    TcString timeOfDay_;  // timeText once more: assigning it to a text that tells it already costs nothing
+    // The second that timeText tells; at first one that no frame has.
+    i64 timeTextSecond_ = std::numeric_limits<i64>::min();
 };
 
 // The vendor step on one record: looks `mac` (the whole text) up in the vendor table, waiting for a rebuild to end.

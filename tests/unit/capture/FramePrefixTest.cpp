@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/unit/support/SampleFile.h"
+#include "tests/unit/support/Savefile.h"
 #include "tests/unit/support/WatchedLan.h"
 
 namespace vardel::test {
@@ -60,6 +62,23 @@ TEST(FramePrefixes, DoNoHarmWhereverAFrameEnds) {
     EXPECT_GT(frames, 5000u);
     EXPECT_EQ(lan.Host("10.0.0.1").osFromBrowse, 1);
     EXPECT_FALSE(lan.MessagesOf("10.0.0.1").empty());
+}
+
+// What once brought a defect to light.
+TEST(FramePrefixes, OfTheSavefilesKeptDoNoHarmEither) {
+    for (const std::string& sample : SampleNames("frames")) {
+        SCOPED_TRACE(sample);
+        WatchedLan lan;
+        lan.data.settings.Syslog = 1;
+        u64 frames = 0;
+        for (const auto& [second, frame] : FramesOf(test::Sample(sample)))
+            for (std::size_t size = 0; size <= frame.size(); ++size, ++frames) {
+                const Frame prefix(frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(size));
+                lan.Says(prefix, second);
+            }
+        EXPECT_GT(frames, 60u);
+        EXPECT_EQ(lan.arp.packetCount + lan.ip.packetCount, frames);
+    }
 }
 
 // A frame that was cut holds less, never something else: its address is padded with zeros.

@@ -5,7 +5,10 @@
 #include <ctime>
 #include <string>
 
+#include "platform/Clock.h"
 #include "tests/unit/support/Lan.h"
+#include "tests/unit/support/SampleFile.h"
+#include "tests/unit/support/Savefile.h"
 
 namespace vardel::test {
 namespace {
@@ -154,6 +157,15 @@ TEST_F(ArpHandler, RefreshesAKnownHost) {
     EXPECT_EQ(Host("10.0.0.5").lastSeenText.GetContent(), LocalTimeOfDay(7300));
     EXPECT_EQ(Host("10.0.0.5").greyedOut, 0);
     EXPECT_EQ(Host("10.0.0.5").rowDirty, 1);
+}
+
+TEST_F(ArpHandler, TellsTheTimeOfAFirstFrameFromTheSecondBefore1970) {
+    for (const ReadFrame& saved : FramesOf(Sample("frames/second_before_1970.pcap")))
+        SaysAt(saved.second, saved.frame);
+    char time[kTimeOfDaySize];
+    FormatTimeOfDay(-1, time);
+    EXPECT_EQ(Host("10.0.0.1").lastSeen, -1);
+    EXPECT_STREQ(Host("10.0.0.1").lastSeenText.GetContent(), time);
 }
 
 TEST_F(ArpHandler, TakesTheVendorOfTheThreeLeadingOctets) {

@@ -38,6 +38,32 @@ inline std::string SavefileBytes(const std::vector<SavedFrame>& frames, u32 link
     return std::string(bytes.begin(), bytes.end() - static_cast<std::ptrdiff_t>(torn));
 }
 
+struct ReadFrame {
+    i64 second = 0;  // since 1970; the file's 32 bits with their sign, as the capture library takes them
+    Frame frame = {};
+};
+
+// The frames of such a file, up to where it ends or is torn.
+inline std::vector<ReadFrame> FramesOf(const std::string& bytes) {
+    constexpr std::size_t kFileHeader = 24, kFrameHeader = 16;
+    const auto little32 = [&](std::size_t at) {
+        u32 value = 0;
+        for (std::size_t i = 4; i-- > 0;) value = value << 8 | static_cast<u8>(bytes[at + i]);
+        return value;
+    };
+    std::vector<ReadFrame> frames;
+    for (std::size_t at = kFileHeader; bytes.size() >= at + kFrameHeader;) {
+        const std::size_t size = little32(at + 8);
+        const i64 second = static_cast<i32>(little32(at));
+        at += kFrameHeader;
+        if (size > bytes.size() - at) break;
+        const auto first = bytes.begin() + static_cast<std::ptrdiff_t>(at);
+        frames.push_back({second, Frame(first, first + static_cast<std::ptrdiff_t>(size))});
+        at += size;
+    }
+    return frames;
+}
+
 inline void WriteFile(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
 }
