@@ -14,7 +14,7 @@ struct DecimalOctet {
     u32 Bits() const { return 8 * length; }
 };
 
-constexpr std::array<DecimalOctet, 256> MakeDecimalOctets() {
+consteval std::array<DecimalOctet, 256> MakeDecimalOctets() {
     std::array<DecimalOctet, 256> octets{};
     for (u32 value = 0; value < 256; ++value) {
         u32 digits[3];
@@ -29,7 +29,7 @@ constexpr std::array<DecimalOctet, 256> MakeDecimalOctets() {
     return octets;
 }
 
-constexpr std::array<u16, 256> MakeHexOctets() {
+consteval std::array<u16, 256> MakeHexOctets() {
     constexpr char digits[] = "0123456789abcdef";
     std::array<u16, 256> octets{};
     for (u32 value = 0; value < 256; ++value)

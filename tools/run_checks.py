@@ -7,7 +7,6 @@ build, each rule of the structure and each fuzz target. The last line is "N pass
 
 import concurrent.futures
 import contextlib
-import glob
 import json
 import os
 import re
@@ -19,6 +18,7 @@ import threading
 import time
 
 import check_structure
+import run_fuzz
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 sys.path.insert(0, os.path.join(ROOT, "tests", "support"))
@@ -175,20 +175,18 @@ class Checks:
 
     # Fuzzing
 
-    def fuzz(self, preset):
-        """Each target for some seconds, from its stored corpus; new inputs go to a folder of the run."""
-        targets = sorted(path for path in glob.glob(os.path.join(ROOT, "build", preset, "tests", "fuzz", "fuzz_*"))
-                         if os.access(path, os.X_OK) and os.path.isfile(path))
-        if not targets:
-            self.tally.add("fuzz targets", 0, 1, "none was built")
-        for target in targets:
-            name = os.path.basename(target)
-            stored = os.path.join(ROOT, "tests", "fuzz", "corpus", name.removeprefix("fuzz_"))
+    def fuzz(self):
+        """Each target for some seconds, from its stored corpus; then what that corpus reaches."""
+        for name in run_fuzz.targets():
             with tempfile.TemporaryDirectory(prefix="vardelwatch-fuzz-") as found:
-                words = [target, f"-max_total_time={FUZZ_SECONDS}", "-timeout=10", "-rss_limit_mb=2048",
-                         f"-artifact_prefix={LOGS}/{name}-", found, *([stored] if os.path.isdir(stored) else [])]
-                code, text = run(words, f"{preset}.{name}", FUZZ_SECONDS + 120, cwd=found)
-            self.tally.add(f"fuzz {name}", int(code == 0), int(code != 0), text)
+                run_told = run_fuzz.fuzz(name, FUZZ_SECONDS, found)
+            self.tally.say(f"fuzz {name}: {run_told.told}")
+            self.tally.add(f"fuzz {name}", int(run_told.clean), int(not run_told.clean),
+                           f"{run_told.output}\n{run_told.told}")
+            for coverage in run_fuzz.cover(name) if run_told.clean else []:
+                enough = run_fuzz.reaches_enough(coverage)
+                self.tally.add(f"fuzz {name} reaches {run_fuzz.LEAST_PERCENT} % of {coverage.source}", int(enough),
+                               int(not enough), run_fuzz.told(coverage))
 
     # The steps
 
@@ -212,8 +210,8 @@ class Checks:
             self.run_listed("linux-tsan", lambda name, labels: "stress" in labels or "stress" in name)
 
     def linux_fuzz(self):
-        if self.build("linux-fuzz"):
-            self.fuzz("linux-fuzz")
+        if self.build("linux-fuzz", ["fuzz_targets"]):
+            self.fuzz()
 
     def windows_x64(self):
         if self.build("windows-x64"):

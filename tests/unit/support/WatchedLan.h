@@ -42,12 +42,19 @@ class WatchedLan {
     // A frame goes to its handler as the capture thread would hand it over, captured at `second`. It lies in
     // a buffer of exactly its size, so that a sanitizer sees any reading behind its end.
     void Says(const Frame& frame, i64 second = kNow) {
+        HandOver(frame, second, [this](const pcap_pkthdr* header, const u8* bytes) {
+            DispatchFrame(header, bytes, arp, ip, &data);
+        });
+    }
+    // The same for a handler of the caller's choice: `take(header, bytes)` is called once.
+    template <class Take>
+    static void HandOver(const Frame& frame, i64 second, Take&& take) {
         const std::unique_ptr<u8[]> bytes(new u8[frame.size()]);
         std::copy(frame.begin(), frame.end(), bytes.get());
         pcap_pkthdr header{};
         header.ts.tv_sec = static_cast<long>(second);
         header.caplen = header.len = static_cast<u32>(frame.size());
-        DispatchFrame(&header, bytes.get(), arp, ip, &data);
+        take(&header, bytes.get());
     }
 
     // A host that ARP brought in before, made here by hand.
