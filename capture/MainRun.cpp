@@ -94,14 +94,16 @@ void Vardel::TakeSettings() {
 }
 
 void Vardel::TakeInstances() {
-    const ModuleHandle instance = GetInstance();
+    const ModuleHandle program = GetInstance();
+    const ModuleHandle language = LoadLanguages();
+    const ModuleHandle texts = language ? language : program;
     for (VardelCaptureData* handler : {static_cast<VardelCaptureData*>(&arpImpl),
                                        static_cast<VardelCaptureData*>(&ipImpl)}) {
-        handler->resourceInstance = instance;
-        handler->programInstance = instance;
+        handler->resourceInstance = texts;
+        handler->programInstance = program;
     }
-    data.resourceInstance = instance;
-    data.programInstance = instance;
+    data.resourceInstance = texts;
+    data.programInstance = program;
     data.app = this;
 }
 

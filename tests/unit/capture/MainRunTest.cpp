@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <functional>
 #include <limits>
@@ -170,6 +171,40 @@ TEST_F(MainRunTest, TheFirstEventIsPostedBeforeItsGuardExists) {
     EXPECT_EQ(EventKinds(), std::vector<i32>{1});
     // Posting through the guard would have signalled it.
     EXPECT_FALSE(record.Has("set WriteEventMapHandle"));
+}
+
+u32 GermanInfo(char* name, int, u32* languageId) {
+    std::strcpy(name, "Deutsch");
+    *languageId = 7;
+    return 200;
+}
+
+TEST_F(MainRunTest, TextsComeFromTheChosenLanguage) {
+    system.folders.programPath = "/opt/watch/vardelwatch";
+    system.modules.folders["/opt/watch/Language"] = {{"german.lang", false}};
+    system.modules.modules.insert("/opt/watch/Language/german.lang");
+    system.modules.entryPoints["/opt/watch/Language/german.lang!GetModuleLanguageInfo"] =
+        reinterpret_cast<void*>(&GermanInfo);
+    Stored([](VardelSettings& settings) { settings.Language = "Deutsch"; });
+    frame.whileItRuns = [this](VardelData& data, Vardel& running) {
+        EXPECT_EQ(system.modules.PathOf(data.resourceInstance), "/opt/watch/Language/german.lang");
+        EXPECT_EQ(running.arpImpl.resourceInstance, data.resourceInstance);
+        EXPECT_EQ(running.ipImpl.resourceInstance, data.resourceInstance);
+        EXPECT_EQ(data.programInstance, running.GetInstance());
+        EXPECT_EQ(data.languageId, 7u);
+    };
+    Run();
+    EXPECT_TRUE(record.Has("create app"));
+}
+
+TEST_F(MainRunTest, WithoutALanguageTheProgramHasTheTexts) {
+    Stored([](VardelSettings& settings) { settings.Language = "Deutsch"; });
+    frame.whileItRuns = [](VardelData& data, Vardel& running) {
+        EXPECT_EQ(data.resourceInstance, running.GetInstance());
+        EXPECT_EQ(data.languageId, 0u);
+    };
+    Run();
+    EXPECT_TRUE(record.Has("create app"));
 }
 
 TEST_F(MainRunTest, CreatesTheGuardThenTheFencesThenTheThreads) {
@@ -601,7 +636,9 @@ TEST_F(MainRunTest, TheDestructorTracesTheThreadsThatItStops) {
     EndApp();
     Lines steps = traced.Steps();
     std::erase_if(steps, [](const std::string& step) { return !step.starts_with("Vardel::~Vardel"); });
-    EXPECT_EQ(steps, (Lines{"Vardel::~Vardel: exit sniffer thread", "Vardel::~Vardel: exit vendor thread",
+    EXPECT_EQ(steps, (Lines{"Vardel::~Vardel: exit sniffer thread", "Vardel::~Vardel: exit filesharing thread",
+                            "Vardel::~Vardel: exit wmi thread", "Vardel::~Vardel: exit netresource thread",
+                            "Vardel::~Vardel: exit vendor thread", "Vardel::~Vardel: exit plugin thread",
                             "Vardel::~Vardel: exit event writer thread"}));
 }
 
