@@ -1,8 +1,4 @@
-"""What a run on the demo LAN must have found, held against the demo LAN's own description.
-
-What the device messages (SSDP, storage announcements) tell is left out: names and systems are compared of
-hosts that tell them in no such message.
-"""
+"""What a run on the demo LAN must have found, held against the demo LAN's own description."""
 
 import os
 
@@ -47,13 +43,9 @@ def expected_hosts(seed, names=None, trusted=(), distrusted=(), is_numeric=False
             "MAC": host["mac"],
             "Vendor": UNKNOWN_VENDOR if host["vendorUnknown"] else table[host["vendorPrefix"]],
             "Trust": TRUST_TEXTS[2 if ip in distrusted else 1 if ip in trusted else 0],
+            "OS": host["os"],
+            "Name": (names or {}).get(ip) or host["hostName"] or NO_NAME,
         }
-        if not host["deviceProbed"]:
-            cells["OS"] = host["os"]
-        if ip in (names or {}):
-            cells["Name"] = names[ip]
-        elif is_numeric or not host["deviceProbed"]:
-            cells["Name"] = host["hostName"] or NO_NAME
         result[ip] = cells
     return result
 
@@ -89,6 +81,23 @@ def check_new_host_events(test, events, names, is_numeric=False):
     test.assertEqual(
         sorted(found), sorted((ip, names.get(ip, ip if is_numeric else NO_NAME), "") for ip in ips)
     )
+
+
+def check_device_events(test, events, is_numeric=False):
+    """One event for each device that its document names, and one for each storage box, told to the end."""
+    kinds = {
+        lan_expectations.EVENT_SSDP_DEVICE: watch_run.DEVICE_NAME,
+        lan_expectations.EVENT_STORAGE_FOUND: watch_run.STORAGE_FOUND,
+    }
+    expected = [
+        (kinds[event["kind"]], event["info"], event["host"], event["text"])
+        for event in lan_expectations.event_expectations(is_numeric)
+        if event["kind"] in kinds
+    ]
+    found = [
+        (event.event, event.info, event.host, event.text) for event in events if event.event in kinds.values()
+    ]
+    test.assertEqual(sorted(found), sorted(expected))
 
 
 def syslog_texts(is_hit):

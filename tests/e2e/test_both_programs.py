@@ -44,15 +44,14 @@ SETTINGS = {
     "SyslogNotificationWords": NOTIFY_WORDS,
 }
 LISTS = {"TrustedHosts": lan_checks.list_key(TRUSTED), "DistrustedHosts": lan_checks.list_key(DISTRUSTED)}
-# With those that the device messages of the LAN may cause.
 KNOWN_EVENTS = {
     watch_run.STARTED,
     watch_run.CAPTURING,
     watch_run.NEW_HOST,
     watch_run.SYSLOG,
     watch_run.EXITED,
-    "SSDP - device name found",
-    "LinkStation found",
+    watch_run.DEVICE_NAME,
+    watch_run.STORAGE_FOUND,
 }
 LOCAL_IPS = {lan_description.WATCHER_IP, lan_description.INJECTOR_IP, "127.0.0.1"}
 
@@ -132,6 +131,9 @@ class LinuxProgramTest(unittest.TestCase):
 
     def test_posts_one_event_for_each_new_host(self):
         lan_checks.check_new_host_events(self, self.run_.log_events(), NAMES)
+
+    def test_posts_one_event_for_each_device(self):
+        lan_checks.check_device_events(self, self.run_.log_events())
 
     def test_a_claimed_address_is_no_event(self):
         spoof = lan_expectations.expectations(lan_description.Lan(SEED))["spoofs"][0]

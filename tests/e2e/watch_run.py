@@ -37,6 +37,8 @@ EXITED = "Vardelwatch exited"
 CAPTURING = "Capturing started"
 NEW_HOST = "New host found"
 SYSLOG = "Syslog notification"
+DEVICE_NAME = "SSDP - device name found"
+STORAGE_FOUND = "LinkStation found"
 
 
 @dataclasses.dataclass(frozen=True)
