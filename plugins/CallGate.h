@@ -1,4 +1,4 @@
-// CallGate: lets calls into a module until it is closed, and knows when the last of them has come back.
+// CallGate: lets calls into a module from its opening until it is closed, and knows when the last of them has come back.
 //
 // Any thread. A call that was let in leaves once. Closed for good.
 #pragma once
@@ -13,10 +13,14 @@ namespace vardel {
 
 class CallGate {
   public:
-    // False once the gate is closed.
+    void Open() {
+        const std::lock_guard hold(guard_);
+        open_ = !closed_;
+    }
+    // False until the gate is opened, and once it is closed.
     bool Enter() {
         const std::lock_guard hold(guard_);
-        if (closed_) return false;
+        if (!open_) return false;
         ++inside_;
         return true;
     }
@@ -26,6 +30,7 @@ class CallGate {
     }
     void Close() {
         const std::lock_guard hold(guard_);
+        open_ = false;
         closed_ = true;
     }
     // True when no call is inside, false when one still is at `deadline`.
@@ -38,6 +43,7 @@ class CallGate {
     std::mutex guard_;
     std::condition_variable empty_;
     u32 inside_ = 0;
+    bool open_ = false;
     bool closed_ = false;
 };
 

@@ -81,8 +81,7 @@ PluginColumnCall ColumnCall(u32 command, i32 column) {
 }  // namespace
 
 void InitPlugin(LoadedPlugin& plugin) {
-    const GatePass inside(plugin.gate);
-    if (inside && plugin.info.Init) Guarded(plugin.info.Init, plugin.own);
+    if (plugin.info.Init) Guarded(plugin.info.Init, plugin.own);
 }
 
 void ExitPlugin(LoadedPlugin& plugin) {

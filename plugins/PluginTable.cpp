@@ -110,7 +110,9 @@ void PluginTable::Insert(std::unique_ptr<LoadedPlugin> plugin) {
         owned_.push_back(std::move(plugin));
         records_.emplace(Key{loaded.info.type, loads_++}, &loaded);
     }
+    // It stands in the table by now, but nobody's call reaches it before it has begun its life.
     InitPlugin(loaded);
+    loaded.gate.Open();
 }
 
 bool PluginTable::UnloadPlugins(std::chrono::milliseconds timeout) {
