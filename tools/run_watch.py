@@ -85,6 +85,7 @@ class ComingAndGoing:
 
     def __init__(self, namespace):
         self._namespace = namespace
+        self.turns = 0
         self._ended = threading.Event()
         self._thread = threading.Thread(target=self._take_turns, daemon=True)
 
@@ -94,6 +95,7 @@ class ComingAndGoing:
             with contextlib.suppress(RuntimeError, OSError, subprocess.SubprocessError):
                 self._namespace.ip_command("address", next(turns), f"{WATCHED_IP}/32", "dev",
                                            self._namespace.interface)
+                self.turns += 1
             self._ended.wait(WATCHED_TURN_SECONDS)
 
     def __enter__(self):

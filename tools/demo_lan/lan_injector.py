@@ -36,7 +36,8 @@ class Injector:
             self._socket.close()
             self._socket = None
 
-    def _send(self, data):
+    def send(self, data):
+        """Sends one frame now; without an interface it is lost."""
         try:
             if self._socket is None:
                 self._open()
@@ -57,4 +58,4 @@ class Injector:
                 continue
             if late < 0 and self._stopped.wait(-late) or self._stopped.is_set():
                 return
-            self._send(frame.data)
+            self.send(frame.data)
