@@ -16,7 +16,7 @@ FLOORS = {"resources": 0, "platform": 1, "foundation": 2, "settings": 3, "toolki
 # Where the system's own header and macro may stand.
 SYSTEM_PLACES = re.compile(r"^(platform/\w+_win\.(cpp|h)|platform/WindowsApi\.h|frame/\w+_win\.cpp|"
                            r"frame/HiddenWindowFrame\.h|toolkit/.*|views/\w+_win\.cpp|app/.*|tools/(wine_packet|post_command)/.*|"
-                           r"tests/(unit/.*_win|support/\w+_win|wmi/\w+)\.(cpp|h)|bench/.*)$")
+                           r"tests/(unit/.*_win|support/\w+_win|wmi/\w+|desktop/\w+)\.(cpp|h)|bench/.*)$")
 SYSTEM_WORDS = re.compile(r"\b_WIN32\b|<windows\.h>|platform/WindowsApi\.h")
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 LEFT_UNDONE = re.compile(r"\b(TO" r"DO|FIX" r"ME)\b|\bGTEST" r"_SKIP\b|\bDIS" r"ABLED_\w")

@@ -1,0 +1,493 @@
+#include "tests/desktop/DesktopFixture.h"
+
+#include <objbase.h>
+
+namespace vardel::test {
+namespace {
+
+using Told = std::vector<std::string>;
+
+TEST(Dialog, AShowCallGivesTheArgumentOfExitDialog) {
+    for (const bool result : {true, false}) {
+        ToldDialog dialog;
+        Steps steps;
+        dialog.onInit = [&] { steps.Then([&, result] { dialog.ExitDialog(result); }); };
+        EXPECT_EQ(dialog.ShowDialogModal(17), result);
+        EXPECT_EQ(dialog.told, (Told{"init 17", "destroy"}));
+        EXPECT_EQ(dialog.GetHwnd(), nullptr);
+    }
+}
+
+TEST(Dialog, TheParameterIsAsWideAsAPointer) {
+    ToldDialog dialog;
+    dialog.onInit = [&] { dialog.ExitDialog(true); };
+    const auto param = reinterpret_cast<LPARAM>(&dialog);
+    EXPECT_TRUE(dialog.ShowDialogModal(param));
+    EXPECT_EQ(dialog.told.front(), "init " + std::to_string(param));
+}
+
+TEST(Dialog, ShowsItselfWhileItRunsAndIsGoneAfterIt) {
+    ToldDialog dialog;
+    Steps steps;
+    HWND window = nullptr;
+    dialog.onInit = [&] {
+        window = dialog.GetHwnd();
+        EXPECT_TRUE(IsWindow(dialog.GetControl(CONTROL_EDIT)));
+        steps.Then([&] { EXPECT_TRUE(IsWindowVisible(window)); }).Then([&] { dialog.ExitDialog(true); });
+    };
+    EXPECT_TRUE(dialog.ShowDialogModal(0));
+    EXPECT_FALSE(IsWindow(window));
+}
+
+TEST(Dialog, MayBeShownAgain) {
+    ToldDialog dialog;
+    for (int round = 0; round < 3; ++round) {
+        Steps steps;
+        dialog.onInit = [&] { steps.Then([&] { dialog.ExitDialog(true); }); };
+        EXPECT_TRUE(dialog.ShowDialogModal(round));
+    }
+    EXPECT_EQ(dialog.told, (Told{"init 0", "destroy", "init 1", "destroy", "init 2", "destroy"}));
+}
+
+TEST(Dialog, ADialogThatEndsInItsInitialisationIsNeverSeen) {
+    ToldDialog dialog;
+    dialog.onInit = [&] { dialog.ExitDialog(true); };
+    dialog.onDestroy = [&] { EXPECT_FALSE(IsWindowVisible(dialog.GetHwnd())); };
+    EXPECT_TRUE(dialog.ShowDialogModal(0));
+    EXPECT_EQ(dialog.told, (Told{"init 0", "destroy"}));
+}
+
+TEST(Dialog, TheFirstResultHolds) {
+    ToldDialog dialog;
+    Steps steps;
+    dialog.onInit = [&] { steps.Then([&] { dialog.ExitDialog(true); }); };
+    dialog.onDestroy = [&] { dialog.ExitDialog(false); };
+    EXPECT_TRUE(dialog.ShowDialogModal(0));
+}
+
+TEST(Dialog, ASecondShowCallOfAShownDialogIsACancel) {
+    ToldDialog dialog;
+    Steps steps;
+    dialog.onInit = [&] {
+        steps.Then([&] {
+            EXPECT_FALSE(dialog.ShowDialogModal(1));
+            EXPECT_TRUE(IsWindow(dialog.GetHwnd()));
+            dialog.ExitDialog(true);
+        });
+    };
+    EXPECT_TRUE(dialog.ShowDialogModal(0));
+    EXPECT_EQ(dialog.told, (Told{"init 0", "destroy"}));
+}
+
+TEST(Dialog, ATemplateThatIsMissingIsACancel) {
+    ToldDialog dialog(DIALOG_MISSING);
+    EXPECT_FALSE(dialog.ShowDialogModal(0));
+    EXPECT_TRUE(dialog.told.empty());
+}
+
+TEST(Dialog, AControlThatCannotBeMadeIsACancel) {
+    ToldDialog dialog(DIALOG_BROKEN);
+    EXPECT_FALSE(dialog.ShowDialogModal(0));
+    EXPECT_TRUE(dialog.told.empty());
+    EXPECT_EQ(dialog.GetHwnd(), nullptr);
+}
+
+TEST(Dialog, ATemplateThatTheLanguageLacksComesFromTheProgram) {
+    ToldDialog dialog;
+    dialog.SetResInstance(reinterpret_cast<ModuleHandle>(GetModuleHandleA("kernel32.dll")));
+    dialog.onInit = [&] { dialog.ExitDialog(true); };
+    EXPECT_TRUE(dialog.ShowDialogModal(0));
+}
+
+TEST(Dialog, ClosingEndsItWithFalse) {
+    ToldDialog dialog;
+    Steps steps;
+    dialog.onInit = [&] { steps.Then([&] { SendMessageA(dialog.GetHwnd(), WM_CLOSE, 0, 0); }); };
+    EXPECT_FALSE(dialog.ShowDialogModal(0));
+    EXPECT_EQ(dialog.told, (Told{"init 0", "close", "destroy"}));
+}
+
+TEST(Dialog, EscapeClosesItWhereNobodyHandlesIt) {
+    ToldDialog dialog;
+    Steps steps;
+    dialog.onInit = [&] { steps.Then([&] { PostMessageA(dialog.GetHwnd(), WM_KEYDOWN, VK_ESCAPE, 0); }); };
+    EXPECT_FALSE(dialog.ShowDialogModal(0));
+    EXPECT_EQ(dialog.told, (Told{"init 0", "key 27", "command 2", "close", "destroy"}));
+}
+
+TEST(Dialog, EscapeIsTheDialogsOwnWhereItHandlesIt) {
+    ToldDialog dialog;
+    Steps steps;
+    dialog.onCommand = [&](int id) {
+        if (id == IDCANCEL) dialog.ExitDialog(true);
+        return id == IDCANCEL;
+    };
+    dialog.onInit = [&] { steps.Then([&] { PostMessageA(dialog.GetHwnd(), WM_KEYDOWN, VK_ESCAPE, 0); }); };
+    EXPECT_TRUE(dialog.ShowDialogModal(0));
+    EXPECT_FALSE(dialog.WasTold("close"));
+}
+
+TEST(Dialog, EnterPressesTheDefaultButton) {
+    ToldDialog dialog;
+    Steps steps;
+    dialog.onCommand = [&](int id) {
+        if (id == IDOK) dialog.ExitDialog(true);
+        return id == IDOK;
+    };
+    dialog.onInit = [&] { steps.Then([&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_KEYDOWN, VK_RETURN, 0); }); };
+    EXPECT_TRUE(dialog.ShowDialogModal(0));
+}
+
+TEST(Dialog, OnlyTheLowSixteenBitsOfACommandAreItsId) {
+    ToldDialog dialog;
+    Steps steps;
+    int seen = 0;
+    dialog.onCommand = [&](int id) {
+        if (id == 61000) ++seen;
+        return true;
+    };
+    dialog.onInit = [&] {
+        steps.Then([&] { SendMessageA(dialog.GetHwnd(), WM_COMMAND, MAKEWPARAM(61000, 7), 0); })
+            .Then([&] { dialog.ExitDialog(true); });
+    };
+    dialog.ShowDialogModal(0);
+    EXPECT_EQ(seen, 1);
+}
+
+TEST(Dialog, ASubDialogDisablesItsParentMeanwhile) {
+    const PlainWindow parent;
+    ToldDialog dialog(DIALOG_SUB);
+    Steps steps;
+    dialog.SetParent(parent.Get());
+    dialog.onInit = [&] {
+        EXPECT_FALSE(IsWindowEnabled(parent.Get()));
+        EXPECT_EQ(GetWindow(dialog.GetHwnd(), GW_OWNER), parent.Get());
+        steps.Then([&] { dialog.ExitDialog(true); });
+    };
+    dialog.onDestroy = [&] { EXPECT_TRUE(IsWindowEnabled(parent.Get())); };
+    EXPECT_TRUE(dialog.ShowSubDialog(0));
+    EXPECT_TRUE(IsWindowEnabled(parent.Get()));
+    EXPECT_TRUE(dialog.WasTold("destroy"));
+}
+
+TEST(Dialog, TheParentMayBeAWindowWithinTheTopLevelOne) {
+    const PlainWindow parent;
+    const HWND inner = CreateWindowA("STATIC", "", WS_CHILD, 0, 0, 10, 10, parent.Get(), nullptr, nullptr, nullptr);
+    ToldDialog dialog(DIALOG_SUB);
+    dialog.SetParent(inner);
+    dialog.onInit = [&] {
+        EXPECT_FALSE(IsWindowEnabled(parent.Get()));
+        dialog.ExitDialog(true);
+    };
+    EXPECT_TRUE(dialog.ShowSubDialog(0));
+    EXPECT_TRUE(IsWindowEnabled(parent.Get()));
+}
+
+TEST(Dialog, AParentThatWasDisabledStaysSo) {
+    const PlainWindow parent;
+    EnableWindow(parent.Get(), FALSE);
+    ToldDialog dialog(DIALOG_SUB);
+    dialog.SetParent(parent.Get());
+    dialog.onInit = [&] { dialog.ExitDialog(true); };
+    EXPECT_TRUE(dialog.ShowSubDialog(0));
+    EXPECT_FALSE(IsWindowEnabled(parent.Get()));
+}
+
+TEST(Dialog, AParentThatIsGoneIsACancel) {
+    ToldDialog dialog(DIALOG_SUB);
+    {
+        const PlainWindow parent;
+        dialog.SetParent(parent.Get());
+    }
+    EXPECT_FALSE(dialog.ShowSubDialog(0));
+    EXPECT_TRUE(dialog.told.empty());
+}
+
+TEST(Dialog, AFailedSubDialogLeavesItsParentEnabled) {
+    const PlainWindow parent;
+    ToldDialog dialog(DIALOG_MISSING);
+    dialog.SetParent(parent.Get());
+    EXPECT_FALSE(dialog.ShowSubDialog(0));
+    EXPECT_TRUE(IsWindowEnabled(parent.Get()));
+}
+
+TEST(Dialog, DialogsNestAndTheOuterOneGoesOn) {
+    ToldDialog outer;
+    ToldDialog inner(DIALOG_SUB);
+    Steps steps;
+    bool innerResult = false;
+    outer.onInit = [&] {
+        steps.Then([&] {
+            inner.SetParent(outer.GetHwnd());
+            innerResult = inner.ShowSubDialog(5);
+            EXPECT_TRUE(IsWindowEnabled(outer.GetHwnd()));
+            steps.Then([&] { outer.ExitDialog(true); });
+        });
+    };
+    inner.onInit = [&] {
+        EXPECT_FALSE(IsWindowEnabled(outer.GetHwnd()));
+        steps.Then([&] { inner.ExitDialog(true); });
+    };
+    EXPECT_TRUE(outer.ShowDialogModal(0));
+    EXPECT_TRUE(innerResult);
+}
+
+TEST(Dialog, AnOuterDialogMayEndWhileAnInnerOneRuns) {
+    ToldDialog outer;
+    ToldDialog inner(DIALOG_SUB);
+    Steps steps;
+    outer.onInit = [&] {
+        steps.Then([&] {
+            inner.SetParent(outer.GetHwnd());
+            EXPECT_FALSE(inner.ShowSubDialog(0));
+        });
+    };
+    inner.onInit = [&] {
+        steps.Then([&] { outer.ExitDialog(true); }).Then([&] {
+            EXPECT_TRUE(IsWindow(outer.GetHwnd())) << "its loop has not come back yet";
+            inner.ExitDialog(false);
+        });
+    };
+    EXPECT_TRUE(outer.ShowDialogModal(0));
+}
+
+TEST(Dialog, AWindowThatSomebodyDestroysIsACancel) {
+    ToldDialog dialog;
+    Steps steps;
+    dialog.onInit = [&] { steps.Then([&] { DestroyWindow(dialog.GetHwnd()); }); };
+    EXPECT_FALSE(dialog.ShowDialogModal(0));
+    EXPECT_EQ(dialog.told, (Told{"init 0", "destroy"}));
+}
+
+TEST(Dialog, TheEndOfTheProgramEndsAllLoops) {
+    ToldDialog outer;
+    ToldDialog inner(DIALOG_SUB);
+    Steps steps;
+    outer.onInit = [&] {
+        steps.Then([&] {
+            inner.SetParent(outer.GetHwnd());
+            EXPECT_FALSE(inner.ShowSubDialog(0));
+        });
+    };
+    inner.onInit = [&] { steps.Then([&] { PostQuitMessage(3); }); };
+    EXPECT_FALSE(outer.ShowDialogModal(0));
+    MSG message{};
+    ASSERT_TRUE(PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "the loop around them must hear of it";
+    EXPECT_EQ(message.wParam, 3u);
+    EXPECT_TRUE(outer.WasTold("destroy"));
+    EXPECT_TRUE(inner.WasTold("destroy"));
+}
+
+TEST(Dialog, TimersOfOtherWindowsGoOn) {
+    ToldDialog outer;
+    ToldDialog inner(DIALOG_SUB);
+    Steps steps;
+    outer.onInit = [&] {
+        steps.Then([&] {
+            inner.SetParent(outer.GetHwnd());
+            inner.ShowSubDialog(0);
+            outer.ExitDialog(true);
+        });
+    };
+    inner.onInit = [&] {
+        steps.Then([&] { PostMessageA(outer.GetHwnd(), WM_TIMER, 10001, 0); })
+            .Then([&] { PostMessageA(inner.GetHwnd(), WM_TIMER, 7, 0); })
+            .Then([&] { inner.ExitDialog(true); });
+    };
+    EXPECT_TRUE(outer.ShowDialogModal(0));
+    EXPECT_TRUE(outer.WasTold("timer 10001"));
+    EXPECT_TRUE(inner.WasTold("timer 7"));
+}
+
+TEST(Dialog, KeysOfItsControlsAreToldAndGoOn) {
+    ToldDialog dialog;
+    Steps steps;
+    TcString text;
+    dialog.onInit = [&] {
+        steps.Then([&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_KEYDOWN, 'A', 0); })
+            .Then([&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_CHAR, 'a', 0); })
+            .Then([&] { dialog.GetControlText(CONTROL_EDIT, text); })
+            .Then([&] { dialog.ExitDialog(true); });
+    };
+    dialog.ShowDialogModal(0);
+    EXPECT_TRUE(dialog.WasTold("key 65"));
+    EXPECT_EQ(text.GetAt(1), 'a');
+}
+
+TEST(Dialog, ATakenKeyReachesNoControl) {
+    ToldDialog dialog;
+    Steps steps;
+    dialog.onKey = [](int key) { return key == VK_BACK; };
+    TcString text;
+    dialog.onInit = [&] {
+        dialog.SetControlText(CONTROL_EDIT, "abc");
+        dialog.SendCtrlMsg(CONTROL_EDIT, EM_SETSEL, 0, -1);
+        steps.Then([&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_KEYDOWN, VK_DELETE, 0); })
+            .Then([&] { dialog.GetControlText(CONTROL_EDIT, text); })
+            .Then([&] { EXPECT_TRUE(text.IsEmpty()); })
+            .Then([&] { dialog.SetControlText(CONTROL_EDIT, "abc"); })
+            .Then([&] { dialog.onKey = [](int key) { return key == VK_DELETE; }; })
+            .Then([&] { dialog.SendCtrlMsg(CONTROL_EDIT, EM_SETSEL, 0, -1); })
+            .Then([&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_KEYDOWN, VK_DELETE, 0); })
+            .Then([&] { dialog.GetControlText(CONTROL_EDIT, text); })
+            .Then([&] { dialog.ExitDialog(true); });
+    };
+    dialog.ShowDialogModal(0);
+    EXPECT_STREQ(text, "abc");
+}
+
+TEST(Dialog, ATakenTabStillMovesTheFocus) {
+    ToldDialog dialog;
+    Steps steps;
+    dialog.onKey = [](int key) { return key == VK_TAB; };
+    dialog.onInit = [&] {
+        steps.Then([&] { SetFocus(dialog.GetControl(CONTROL_EDIT)); })
+            .Then([&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_KEYDOWN, VK_TAB, 0); })
+            .Then([&] { EXPECT_EQ(GetFocus(), dialog.GetControl(CONTROL_CHECK)); })
+            .Then([&] { dialog.ExitDialog(true); });
+    };
+    dialog.ShowDialogModal(0);
+    EXPECT_TRUE(dialog.WasTold("key 9"));
+}
+
+TEST(Dialog, ATakenTabLeavesAControlOfSeveralFields) {
+    ToldDialog dialog(DIALOG_SUB);
+    Steps steps;
+    dialog.onKey = [](int key) { return key == VK_TAB; };
+    dialog.onInit = [&] {
+        steps.Then([&] { SetFocus(GetWindow(dialog.GetControl(CONTROL_ADDRESS), GW_CHILD)); })
+            .Then([&] { PostMessageA(GetFocus(), WM_KEYDOWN, VK_TAB, 0); })
+            .Then([&] { EXPECT_EQ(GetFocus(), dialog.GetControl(CONTROL_EDIT)); })
+            .Then([&] { dialog.ExitDialog(true); });
+    };
+    dialog.ShowDialogModal(0);
+}
+
+TEST(Dialog, KeysOfOtherWindowsAreNotTold) {
+    const PlainWindow other;
+    ToldDialog dialog;
+    Steps steps;
+    dialog.onInit = [&] {
+        steps.Then([&] { PostMessageA(other.Get(), WM_KEYDOWN, 'B', 0); }).Then([&] { dialog.ExitDialog(true); });
+    };
+    dialog.ShowDialogModal(0);
+    EXPECT_FALSE(dialog.WasTold("key 66"));
+}
+
+TEST(Dialog, OwnerDrawnControlsAreMeasuredBeforeTheInitialisation) {
+    ToldDialog dialog(DIALOG_LIST);
+    dialog.onMeasure = [&](int id, MEASUREITEMSTRUCT* item) {
+        dialog.Tell("measure " + std::to_string(id));
+        item->itemHeight = 33;
+        return true;
+    };
+    dialog.onInit = [&] { dialog.ExitDialog(true); };
+    dialog.ShowDialogModal(0);
+    EXPECT_EQ(dialog.told.front(), "measure " + std::to_string(CONTROL_LIST));
+}
+
+TEST(Dialog, OwnerDrawnControlsAreDrawnByTheirId) {
+    ToldDialog dialog;
+    Steps steps;
+    int drawn = 0;
+    dialog.onDraw = [&](int id, DRAWITEMSTRUCT* item) {
+        drawn += id == CONTROL_DRAWN && item->hwndItem == dialog.GetControl(CONTROL_DRAWN);
+        return true;
+    };
+    dialog.onInit = [&] {
+        steps.Then([&] { UpdateWindow(dialog.GetControl(CONTROL_DRAWN)); }).Then([&] { dialog.ExitDialog(true); });
+    };
+    dialog.ShowDialogModal(0);
+    EXPECT_GT(drawn, 0);
+}
+
+TEST(Dialog, AStaticGetsTheBrushOfOnColorStatic) {
+    ToldDialog dialog;
+    const HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3));
+    dialog.onColorStatic = [&](HDC, int id, HWND control) {
+        EXPECT_EQ(control, dialog.GetControl(id));
+        return id == CONTROL_LABEL ? brush : nullptr;
+    };
+    dialog.onInit = [&] {
+        const auto answer = [&](int id) {
+            const HDC dc = GetDC(dialog.GetHwnd());
+            const LRESULT given = SendMessageA(dialog.GetHwnd(), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc),
+                                               reinterpret_cast<LPARAM>(dialog.GetControl(id)));
+            ReleaseDC(dialog.GetHwnd(), dc);
+            return reinterpret_cast<HBRUSH>(given);
+        };
+        EXPECT_EQ(answer(CONTROL_LABEL), brush);
+        EXPECT_NE(answer(CONTROL_EDIT), nullptr) << "the system's brush";
+        EXPECT_NE(answer(CONTROL_EDIT), brush);
+        dialog.ExitDialog(true);
+    };
+    dialog.ShowDialogModal(0);
+    DeleteObject(brush);
+}
+
+TEST(Dialog, ANotificationsResultReachesTheControl) {
+    ToldDialog dialog;
+    dialog.onNotify = [&](int id, LPARAM) -> ULONG_PTR { return id == 4711 ? 42u : 0u; };
+    dialog.onInit = [&] {
+        NMHDR header{};
+        header.idFrom = 4711;
+        EXPECT_EQ(SendMessageA(dialog.GetHwnd(), WM_NOTIFY, 4711, reinterpret_cast<LPARAM>(&header)), 42);
+        header.idFrom = 4712;
+        EXPECT_EQ(SendMessageA(dialog.GetHwnd(), WM_NOTIFY, 4712, reinterpret_cast<LPARAM>(&header)), 0);
+        dialog.ExitDialog(true);
+    };
+    dialog.ShowDialogModal(0);
+}
+
+TEST(Dialog, TheTaskbarIsHandedOverOnceItsButtonIsThere) {
+    ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)));
+    for (const bool keep : {false, true}) {
+        ToldDialog dialog;
+        dialog.keepTaskbar = keep;
+        dialog.onInit = [&] {
+            SendMessageA(dialog.GetHwnd(), RegisterWindowMessageA("TaskbarButtonCreated"), 0, 0);
+            dialog.ExitDialog(true);
+        };
+        dialog.ShowDialogModal(0);
+        EXPECT_TRUE(dialog.WasTold("taskbar"));
+    }
+    CoUninitialize();
+}
+
+TEST(Dialog, WithoutTheShellsTaskbarNothingIsHandedOver) {
+    ToldDialog dialog;  // no apartment of COM, so the shell's object can't be had
+    dialog.onInit = [&] {
+        SendMessageA(dialog.GetHwnd(), RegisterWindowMessageA("TaskbarButtonCreated"), 0, 0);
+        dialog.ExitDialog(true);
+    };
+    dialog.ShowDialogModal(0);
+    EXPECT_FALSE(dialog.WasTold("taskbar"));
+    EXPECT_FALSE(dialog.WasTold("no taskbar"));
+}
+
+// The base's own answers to what a dialog needs not care for.
+class BareDialog : public TcDialog {
+  public:
+    BareDialog() { SetDialogIdent(DIALOG_PLAIN); }
+    bool OnInitDialog(LPARAM) override {
+        NMHDR header{};
+        EXPECT_EQ(SendMessageA(GetHwnd(), WM_NOTIFY, 1, reinterpret_cast<LPARAM>(&header)), 0);
+        EXPECT_EQ(OnColorStatic(nullptr, 1, nullptr), nullptr);
+        EXPECT_FALSE(OnKeyDown(VK_TAB));
+        EXPECT_FALSE(OnTaskbarButtonCreated(nullptr));
+        SendMessageA(GetHwnd(), WM_TIMER, 1, 0);
+        SendMessageA(GetHwnd(), WM_CLOSE, 0, 0);
+        return true;
+    }
+    bool OnCommand(int, int, HWND) override { return false; }
+    bool OnMeasureItem(int, MEASUREITEMSTRUCT*) override { return false; }
+    bool OnDrawItem(int, DRAWITEMSTRUCT*) override { return false; }
+};
+
+TEST(Dialog, TheBaseHandlesNothingAndClosesWithFalse) {
+    BareDialog dialog;
+    EXPECT_FALSE(dialog.ShowDialogModal(0));
+}
+
+}  // namespace
+}  // namespace vardel::test
