@@ -27,6 +27,9 @@ struct ThreadParams {
 // Sets the stop byte and wakes whoever sleeps on it.
 void RequestStop(ThreadParams& params, Events& events);
 
+// What most workers sleep between two looks for work.
+inline constexpr u32 kWorkerPauseMs = 1000;
+
 // Sleeps `timeoutMs` on `sleepEvent`, or until the stop request.
 void SleepUnlessStopped(const ThreadParams& params, Events& events, EventHandle sleepEvent, u32 timeoutMs);
 

@@ -1,10 +1,10 @@
 #include "foundation/Reclaim.h"
 
 #include <mutex>
-#include <utility>
 #include <vector>
 
 #include "platform/ThreadBarrier.h"
+#include "platform/ThreadEnd.h"
 
 namespace vardel {
 
@@ -44,14 +44,12 @@ ReaderSlot* TakeSlot() {
     return slot;
 }
 
-// Gives the slot back when its thread ends. A pin taken later than that, by what else the thread's end destroys, takes
-// a slot anew and keeps it.
-struct SlotHolder {
-    ~SlotHolder() {
-        ReaderSlot* slot = std::exchange(detail::slotOfThread, nullptr);
-        if (slot && slot->depth == 0) slot->taken.store(false);
-    }
-};
+// When its thread ends. A pin taken later than that, by what else the thread's end destroys, takes a slot anew.
+void GiveSlotBack(void* slotOfThread) {
+    ReaderSlot* const slot = static_cast<ReaderSlot*>(slotOfThread);
+    detail::slotOfThread = nullptr;
+    if (slot->depth == 0) slot->taken.store(false);
+}
 
 u64 OldestPinnedEpoch() {
     if (PrepareThreadBarrier()) PutThreadBarrier();
@@ -86,9 +84,9 @@ constinit std::atomic<u64> detail::reclaimEpoch{1};
 constinit thread_local ReaderSlot* detail::slotOfThread = nullptr;
 
 ReaderSlot* detail::TakeSlotForThread() {
-    thread_local SlotHolder holder;
-    static_cast<void>(holder);
-    return slotOfThread = TakeSlot();
+    ReaderSlot* const slot = TakeSlot();
+    AtThreadEnd(&GiveSlotBack, slot);
+    return slotOfThread = slot;
 }
 
 void Retire(void* object, FreeFunction release) {

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "platform/CodePage.h"
+#include "platform/ThreadEnd.h"
 
 namespace vardel {
 
@@ -355,10 +356,33 @@ bool TcString::ToLower() {
     return true;
 }
 
+namespace {
+
+// Each thread has one walk at a time, as with strtok; the text itself stays readable for the caller.
+struct TokenWalk {
+    std::string copy;
+    std::size_t position = 0;
+};
+
+TokenWalk& WalkOfThread() {
+    thread_local TokenWalk* walk = nullptr;
+    if (!walk) {
+        auto fresh = std::make_unique<TokenWalk>();
+        AtThreadEnd(
+            [](void* object) {
+                delete static_cast<TokenWalk*>(object);
+                walk = nullptr;
+            },
+            fresh.get());
+        walk = fresh.release();
+    }
+    return *walk;
+}
+
+}  // namespace
+
 char* TcString::Token(const char* delimiters, bool next) {
-    // Each thread has one walk at a time, as with strtok; the text itself stays readable for the caller.
-    thread_local std::string copy;
-    thread_local std::size_t position = 0;
+    auto& [copy, position] = WalkOfThread();
     if (!next) {
         copy.assign(Data(), static_cast<std::size_t>(GetLength()));
         position = 0;

@@ -31,7 +31,7 @@ struct CountedHost {
     TrustState trust;
 };
 
-std::vector<CountedHost> CollectHosts(const VardelData& data) {
+std::vector<CountedHost> CollectCountedHosts(const VardelData& data) {
     std::vector<CountedHost> hosts;
     hosts.reserve(data.arpMap.Count());
     data.arpMap.ForEach([&](const TcString&, const HostRecord* host) {
@@ -128,7 +128,7 @@ std::string FormReport(std::string_view templateText, VardelData& data) {
     ReportDocument document(templateText);
     {
         const FenceTaken taken(data.fences, Fence::ArpMap);
-        const std::vector<CountedHost> hosts = CollectHosts(data);
+        const std::vector<CountedHost> hosts = CollectCountedHosts(data);
         document.PutCounts(Count(hosts, data));
         ExpandHosts(document, hosts);
     }

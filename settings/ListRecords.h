@@ -2,7 +2,9 @@
 // layout is a storage format: 8-bit texts, NUL-terminated inside their field, no padding.
 #pragma once
 
-#include "platform/Types.h"
+#include <cstring>
+
+#include "foundation/TcString.h"
 
 namespace vardel {
 
@@ -48,5 +50,13 @@ static_assert(sizeof(WatchedHost) == 71);
 static_assert(offsetof(WatchedHost, ipAddress) == 50 && offsetof(WatchedHost, online) == 70);
 static_assert(sizeof(AdminAccount) == 200);
 static_assert(offsetof(AdminAccount, password) == 50 && offsetof(AdminAccount, accountName) == 150);
+
+// The text of a field; stored bytes need not be terminated in it.
+template <std::size_t size>
+TcString FieldText(const char (&field)[size]) {
+    TcString text;
+    text.Set(field, static_cast<int>(strnlen(field, size)));
+    return text;
+}
 
 }  // namespace vardel

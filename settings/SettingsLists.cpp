@@ -28,14 +28,6 @@ constexpr ListSection kDistrustedHosts{"DistrustedHosts", "Host"};
 constexpr ListSection kWatchedHosts{"WatchedHosts", "Host"};
 constexpr ListSection kAdminAccounts{"AdminAccounts", "AdminAccount"};
 
-// Stored bytes need not be terminated in their field.
-template <std::size_t size>
-TcString FieldText(const char (&field)[size]) {
-    TcString text;
-    text.Set(field, static_cast<int>(strnlen(field, size)));
-    return text;
-}
-
 template <std::size_t size>
 void CopyText(char (&target)[size], const char (&source)[size]) {
     std::memcpy(target, source, strnlen(source, size - 1));

@@ -196,15 +196,15 @@ class Checks:
             self.tally.add(f"structure: {rule}", int(not places), int(bool(places)), "\n".join(places))
 
     def linux_release(self):
-        # The unit tests once more: without sanitizers the literal twins run their millions of rounds.
-        if self.build("linux-release"):
-            self.run_listed("linux-release", lambda name, labels: name == "unit_tests" or "python" in labels
+        # Without sanitizers the literal twins run their millions of rounds.
+        if self.build("linux-release", ["all", "twin_tests"]):
+            self.run_listed("linux-release", lambda name, labels: name == "twin_tests" or "python" in labels
                             or "e2e" in labels)
 
     def linux_asan(self):
         if self.build("linux-asan"):
             self.run_listed("linux-asan", lambda name, labels: not {"python", "e2e", "stress"} & set(labels)
-                            and "stress" not in name)
+                            and "stress" not in name and name != "twin_tests")
 
     def linux_tsan(self):
         if self.build("linux-tsan", ["stress"]):

@@ -7,7 +7,7 @@ namespace vardel {
 
 namespace {
 
-constexpr u32 kPauseMs = 10000;
+constexpr u32 kScanPauseMs = 10000;
 
 HostRecord* TakeOldest(VardelData& data) {
     const FenceTaken inside(data.fences, Fence::NetRes);
@@ -23,7 +23,7 @@ void RunScanner(ThreadParams& params) {
             HostRecord* host = TakeOldest(data);
             if (host && !host->shareScanBusy && !host->shareScanRefused) ScanShares(*host, data, params);
         }
-        SleepUnlessStopped(params, events, sleepEvent, kPauseMs);
+        SleepUnlessStopped(params, events, sleepEvent, kScanPauseMs);
     }
     events.Close(sleepEvent);
 }

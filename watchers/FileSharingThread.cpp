@@ -11,7 +11,6 @@ namespace vardel {
 
 namespace {
 
-constexpr u32 kPauseMs = 1000;
 constexpr char kLabel[] = "FileSharingThread";
 
 // What memory doesn't suffice for is passed over; the next look meets it again.
@@ -39,7 +38,7 @@ void RunWatch(ThreadParams& params) {
     const EventHandle sleepEvent = events.Create("DoNothingEventFS", false, false);
     while (!params.stop) {
         TakeAll(data, Look(data.services.serverConnections));
-        SleepUnlessStopped(params, events, sleepEvent, kPauseMs);
+        SleepUnlessStopped(params, events, sleepEvent, kWorkerPauseMs);
     }
     events.Close(sleepEvent);
 }

@@ -30,11 +30,6 @@ const FailureRow& RowOf(ConnectFailure failure) { return kFailures[static_cast<s
 
 void RemoveFrom(TcString& text, int position) { text.Remove(position, text.GetLength() - position); }
 
-template <std::size_t size>
-std::string FieldText(const char (&field)[size]) {
-    return {field, strnlen(field, size)};
-}
-
 }  // namespace
 
 ConnectFailure ClassOfConnectFailure(WmiResult result) {
@@ -141,7 +136,7 @@ HostInspection::Attempt HostInspection::TryAccount(WmiWorkItem& item, u32 key, c
         Trace(kRemoteLabel, "CoCreateInstance - FAILED");
         return Attempt::NextAccount;
     }
-    const WmiAccount credentials{FieldText(account.userName), Password(account)};
+    const WmiAccount credentials{FieldText(account.userName).GetContent(), Password(account)};
     Trace(kRemoteLabel, "CoCreateInstance - SUCCESS");
     std::unique_ptr<WmiIdentity> identity;  // outlives the proxies that it is given to
     std::unique_ptr<WmiNamespace> connection;

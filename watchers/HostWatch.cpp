@@ -34,13 +34,6 @@ struct Watched {
     u8 online;
 };
 
-template <std::size_t size>
-TcString FieldText(const char (&field)[size]) {
-    TcString text;
-    text.Set(field, static_cast<int>(strnlen(field, size)));
-    return text;
-}
-
 // In the order of the table. A copy: a walk of the table would last as long as all the probes.
 std::vector<Watched> CopyTable(const WatchedHostTable& table) {
     std::vector<Watched> hosts;

@@ -12,8 +12,6 @@ namespace vardel {
 
 namespace {
 
-constexpr u32 kPauseMs = 1000;
-
 // Every plugin gets the whole batch in order, one plugin after the other. What joins meanwhile is the next
 // batch's.
 void DeliverBatch(VardelData& data) {
@@ -43,7 +41,7 @@ void RunNotifier(ThreadParams& params) {
                 // The items wait for the next round.
             }
         }
-        SleepUnlessStopped(params, events, sleepEvent, kPauseMs);
+        SleepUnlessStopped(params, events, sleepEvent, kWorkerPauseMs);
     }
     events.Close(sleepEvent);
 }

@@ -9,7 +9,6 @@ namespace vardel {
 
 namespace {
 
-constexpr u32 kPauseMs = 1000;
 constexpr char kLabel[] = "TestWMIAccess";
 
 std::unique_ptr<WmiWorkItem> TakeOldest(VardelData& data) {
@@ -33,7 +32,7 @@ void RunInspections(ThreadParams& params) {
     while (!params.stop) {
         if (!data.wmiWork.IsEmpty())
             if (const std::unique_ptr<WmiWorkItem> item = TakeOldest(data)) TakeTurn(inspection, *item);
-        SleepUnlessStopped(params, events, sleepEvent, kPauseMs);
+        SleepUnlessStopped(params, events, sleepEvent, kWorkerPauseMs);
     }
     events.Close(sleepEvent);
 }

@@ -10,8 +10,6 @@ namespace vardel {
 
 namespace {
 
-constexpr u32 kPauseMs = 1000;
-
 // How far the writer has got. Starts at the first event of the run, so a writer that is started late writes
 // them all.
 struct LogProgress {
@@ -57,7 +55,7 @@ void RunWriter(ThreadParams& params) {
             WriteBatch(file, progress, data);
             if (params.app) params.app->eventsWritten = progress.written;
         }
-        SleepUnlessStopped(params, events, sleepEvent, kPauseMs);
+        SleepUnlessStopped(params, events, sleepEvent, kWorkerPauseMs);
     }
     events.Close(sleepEvent);
 }

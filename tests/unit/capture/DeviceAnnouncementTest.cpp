@@ -12,7 +12,7 @@
 namespace vardel::test {
 namespace {
 
-const std::string kIp = "10.0.0.50";
+const std::string kBoxIp = "10.0.0.50";
 
 struct StorageBox {
     std::string name = "LS-Attic";
@@ -33,12 +33,12 @@ struct StorageBox {
 
 class DeviceAnnouncementTest : public testing::Test {
   protected:
-    DeviceAnnouncementTest() : host(lan.Knows(kIp)) {
+    DeviceAnnouncementTest() : host(lan.Knows(kBoxIp)) {
         host.hostName = "Hostname not available";
         host.nameUnresolved = 1;
     }
     void Announces(const std::string& payload, u16 sourcePort = 22936, u16 destinationPort = 22936) {
-        lan.Says(UdpFrame{.sourceIp = kIp,
+        lan.Says(UdpFrame{.sourceIp = kBoxIp,
                           .sourcePort = sourcePort,
                           .destinationPort = destinationPort,
                           .payload = payload});
@@ -63,7 +63,7 @@ TEST_F(DeviceAnnouncementTest, TellsNameModelAndFirmware) {
     EXPECT_EQ(host.os, "LS-WVL FW: 1.64");
     EXPECT_EQ(host.osFromBrowse, 1);
     EXPECT_EQ(host.deviceProbed, 1);
-    EXPECT_EQ(lan.SeenEvents(), (std::vector<SeenEvent>{{12, "LS-Attic", kIp, "LS-WVL FW: 1.64", -1}}));
+    EXPECT_EQ(lan.SeenEvents(), (std::vector<SeenEvent>{{12, "LS-Attic", kBoxIp, "LS-WVL FW: 1.64", -1}}));
 }
 
 TEST_F(DeviceAnnouncementTest, LeavesTheClassAndTheRowAlone) {
@@ -79,7 +79,7 @@ TEST_F(DeviceAnnouncementTest, KeepsTheNameThatTheResolverGave) {
     host.nameUnresolved = 0;
     Announces(StorageBox{});
     EXPECT_EQ(host.hostName, "storage.example");
-    EXPECT_EQ(lan.SeenEvents(), (std::vector<SeenEvent>{{12, "storage.example", kIp, "LS-WVL FW: 1.64", -1}}));
+    EXPECT_EQ(lan.SeenEvents(), (std::vector<SeenEvent>{{12, "storage.example", kBoxIp, "LS-WVL FW: 1.64", -1}}));
 }
 
 TEST_F(DeviceAnnouncementTest, AnEmptyNameLeavesTheHostUnnamed) {
@@ -110,7 +110,7 @@ TEST_F(DeviceAnnouncementTest, HasNoTraceLineOfItsOwn) {
 }
 
 TEST_F(DeviceAnnouncementTest, TheHeadersLengthDecidesAndNotTheFrame) {
-    UdpFrame frame{.sourceIp = kIp, .sourcePort = 22936, .payload = StorageBox{}};
+    UdpFrame frame{.sourceIp = kBoxIp, .sourcePort = 22936, .payload = StorageBox{}};
     frame.udpLength = static_cast<u16>(8 + 319);
     lan.Says(frame);
     ExpectNothingLearned();
@@ -204,7 +204,7 @@ TEST_F(DeviceAnnouncementTest, SamplesDoNoHarmWhereverTheyEnd) {
     u64 prefixes = 0;
     for (const std::string& name : SampleNames("device_announcement")) {
         SCOPED_TRACE(name);
-        const Frame frame = UdpFrame{.sourceIp = kIp, .sourcePort = 22936, .payload = Sample(name)};
+        const Frame frame = UdpFrame{.sourceIp = kBoxIp, .sourcePort = 22936, .payload = Sample(name)};
         for (std::size_t size = 0; size <= frame.size(); ++size, ++prefixes) {
             host.nameUnresolved = 1;
             host.deviceProbed = 0;

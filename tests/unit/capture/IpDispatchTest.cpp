@@ -7,11 +7,11 @@
 namespace vardel::test {
 namespace {
 
-const std::string kIp = "10.0.0.7";
+const std::string kHostIp = "10.0.0.7";
 
 class IpDispatch : public testing::Test {
   protected:
-    IpDispatch() : host(lan.Knows(kIp)) { lan.data.settings.Syslog = 1; }
+    IpDispatch() : host(lan.Knows(kHostIp)) { lan.data.settings.Syslog = 1; }
     void ExpectNothingLearned() {
         EXPECT_EQ(host.osFromBrowse, 0);
         EXPECT_TRUE(host.os.IsEmpty());
@@ -46,26 +46,26 @@ TEST_F(IpDispatch, CountsNoFrameThatIsNotWhole) {
 }
 
 TEST_F(IpDispatch, LooksAtUdpAlone) {
-    const Frame syslog = SyslogDatagram{.sourceIp = kIp};
+    const Frame syslog = SyslogDatagram{.sourceIp = kHostIp};
     const std::string body(syslog.begin() + 34, syslog.end());
     for (int protocol : {0, 1, 2, 6, 16, 18, 255})
-        lan.Says(IpFrame{.sourceIp = kIp, .protocol = static_cast<u8>(protocol), .body = body});
+        lan.Says(IpFrame{.sourceIp = kHostIp, .protocol = static_cast<u8>(protocol), .body = body});
     ExpectNothingLearned();
-    lan.Says(IpFrame{.sourceIp = kIp, .body = body});
-    EXPECT_EQ(lan.MessagesOf(kIp).size(), 1u);
+    lan.Says(IpFrame{.sourceIp = kHostIp, .body = body});
+    EXPECT_EQ(lan.MessagesOf(kHostIp).size(), 1u);
 }
 
 TEST_F(IpDispatch, OrdinaryTrafficLeadsNowhere) {
-    lan.Says(TcpFrame{.sourceIp = kIp, .sourcePort = 138, .destinationPort = 514, .payload = "<13>x"});
-    lan.Says(UdpFrame{.sourceIp = kIp, .sourcePort = 53, .destinationPort = 40000, .payload = "<13>x"});
-    lan.Says(UdpFrame{.sourceIp = kIp, .sourcePort = 514, .destinationPort = 40000, .payload = "<13>x"});
-    lan.Says(UdpFrame{.sourceIp = kIp, .destinationPort = 513, .payload = "<13>x"});
-    lan.Says(UdpFrame{.sourceIp = kIp, .destinationPort = 515, .payload = "<13>x"});
+    lan.Says(TcpFrame{.sourceIp = kHostIp, .sourcePort = 138, .destinationPort = 514, .payload = "<13>x"});
+    lan.Says(UdpFrame{.sourceIp = kHostIp, .sourcePort = 53, .destinationPort = 40000, .payload = "<13>x"});
+    lan.Says(UdpFrame{.sourceIp = kHostIp, .sourcePort = 514, .destinationPort = 40000, .payload = "<13>x"});
+    lan.Says(UdpFrame{.sourceIp = kHostIp, .destinationPort = 513, .payload = "<13>x"});
+    lan.Says(UdpFrame{.sourceIp = kHostIp, .destinationPort = 515, .payload = "<13>x"});
     ExpectNothingLearned();
 }
 
 TEST_F(IpDispatch, AnAnnouncementNeedsBothPorts) {
-    NetBiosDatagram datagram{.sourceIp = kIp, .block = BrowseBlock{}};
+    NetBiosDatagram datagram{.sourceIp = kHostIp, .block = BrowseBlock{}};
     datagram.sourcePort = 137;
     lan.Says(datagram);
     datagram.sourcePort = 138;
@@ -81,22 +81,22 @@ TEST_F(IpDispatch, AnAnnouncementNeedsBothPorts) {
 
 TEST_F(IpDispatch, SyslogIsKnownByItsDestinationWhateverTheSource) {
     for (int port : {1, 138, 514, 1900, 22936, 65535})
-        lan.Says(SyslogDatagram{.sourceIp = kIp, .sourcePort = static_cast<u16>(port)});
-    EXPECT_EQ(lan.MessagesOf(kIp).size(), 6u);
+        lan.Says(SyslogDatagram{.sourceIp = kHostIp, .sourcePort = static_cast<u16>(port)});
+    EXPECT_EQ(lan.MessagesOf(kHostIp).size(), 6u);
 }
 
 TEST_F(IpDispatch, ADatagramFromPort138ToPort514IsSyslog) {
-    lan.Says(SyslogDatagram{.sourceIp = kIp, .message = "<13>from 138", .sourcePort = 138});
-    ASSERT_EQ(lan.MessagesOf(kIp).size(), 1u);
+    lan.Says(SyslogDatagram{.sourceIp = kHostIp, .message = "<13>from 138", .sourcePort = 138});
+    ASSERT_EQ(lan.MessagesOf(kHostIp).size(), 1u);
     EXPECT_EQ(host.osFromBrowse, 0);
 }
 
 TEST_F(IpDispatch, PortsAreComparedWhole) {
-    lan.Says(UdpFrame{.sourceIp = kIp, .destinationPort = 0x0302, .payload = "<13>x"});
-    lan.Says(UdpFrame{.sourceIp = kIp, .destinationPort = 0x0202 ^ 0x0001, .payload = "<13>x"});
+    lan.Says(UdpFrame{.sourceIp = kHostIp, .destinationPort = 0x0302, .payload = "<13>x"});
+    lan.Says(UdpFrame{.sourceIp = kHostIp, .destinationPort = 0x0202 ^ 0x0001, .payload = "<13>x"});
     ExpectNothingLearned();
-    lan.Says(UdpFrame{.sourceIp = kIp, .destinationPort = 0x0202, .payload = "<13>x"});
-    EXPECT_EQ(lan.MessagesOf(kIp).size(), 1u);
+    lan.Says(UdpFrame{.sourceIp = kHostIp, .destinationPort = 0x0202, .payload = "<13>x"});
+    EXPECT_EQ(lan.MessagesOf(kHostIp).size(), 1u);
 }
 
 TEST_F(IpDispatch, ADatagramNeverMakesAHost) {
@@ -107,14 +107,14 @@ TEST_F(IpDispatch, ADatagramNeverMakesAHost) {
 
 // The IP header's own length and the fragment's offset are not looked at.
 TEST_F(IpDispatch, TakesTheIpHeaderToBe20BytesLong) {
-    Frame frame = SyslogDatagram{.sourceIp = kIp};
+    Frame frame = SyslogDatagram{.sourceIp = kHostIp};
     frame[14] = 0x4f;
     lan.Says(frame);
     frame[14] = 0x65;
     lan.Says(frame);
     frame[20] = 0x1f;
     lan.Says(frame);
-    EXPECT_EQ(lan.MessagesOf(kIp).size(), 3u);
+    EXPECT_EQ(lan.MessagesOf(kHostIp).size(), 3u);
 }
 
 TEST_F(IpDispatch, WritesTheSourceAddressWithoutLeadingZeros) {

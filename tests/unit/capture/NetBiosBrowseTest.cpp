@@ -16,16 +16,16 @@ constexpr u32 kNtWorkstationBit = 0x1000;
 constexpr u32 kServerBit = 0x8000;
 constexpr u32 kEveryOtherBit = ~(kNovellBit | kMacBit | kUnixBit | kNtWorkstationBit | kServerBit);
 
-const std::string kIp = "10.0.0.7";
+const std::string kBrowserIp = "10.0.0.7";
 const std::string kBefore = "as it was";
 
 class NetBiosBrowse : public testing::Test {
   protected:
-    NetBiosBrowse() : host(lan.Knows(kIp)) {
+    NetBiosBrowse() : host(lan.Knows(kBrowserIp)) {
         host.os = kBefore.c_str();
         host.hostName = "resolved";
     }
-    void Announces(const BrowseBlock& block) { lan.Says(NetBiosDatagram{.sourceIp = kIp, .block = block}); }
+    void Announces(const BrowseBlock& block) { lan.Says(NetBiosDatagram{.sourceIp = kBrowserIp, .block = block}); }
     void ExpectNothingChanged() {
         EXPECT_EQ(std::string(host.os), kBefore);
         EXPECT_EQ(host.osClass, OsClass::Unknown);
@@ -53,9 +53,9 @@ TEST_P(NetBiosBrowseLabels, FollowVersionAndBits) {
     const OsCase& expected = GetParam();
     for (u32 noise : {0u, kEveryOtherBit}) {
         WatchedLan lan;
-        HostRecord& host = lan.Knows(kIp);
+        HostRecord& host = lan.Knows(kBrowserIp);
         host.os = kBefore.c_str();
-        lan.Says(BrowseAnnouncement{.sourceIp = kIp,
+        lan.Says(BrowseAnnouncement{.sourceIp = kBrowserIp,
                                     .major = expected.major,
                                     .minor = expected.minor,
                                     .serverType = expected.bits | noise});
@@ -305,7 +305,7 @@ u16 LengthWithRest(int rest, const NetBiosDatagram& datagram) {
 }
 
 TEST_F(NetBiosBrowse, ARestOfZeroBytesOrLessIsDropped) {
-    NetBiosDatagram datagram{.sourceIp = kIp, .block = BrowseBlock{}};
+    NetBiosDatagram datagram{.sourceIp = kBrowserIp, .block = BrowseBlock{}};
     for (int rest : {0, -1, -60}) {
         datagram.datagramLength = LengthWithRest(rest, datagram);
         lan.Says(datagram);
@@ -316,7 +316,7 @@ TEST_F(NetBiosBrowse, ARestOfZeroBytesOrLessIsDropped) {
 }
 
 TEST_F(NetBiosBrowse, BytesBehindTheDatagramsLengthReadAsZero) {
-    NetBiosDatagram datagram{.sourceIp = kIp,
+    NetBiosDatagram datagram{.sourceIp = kBrowserIp,
                              .block = BrowseBlock{.major = 5, .minor = 3, .serverType = kMacBit}};
     // The server type stands 110 bytes into the block.
     datagram.datagramLength = LengthWithRest(111, datagram);
@@ -336,14 +336,14 @@ TEST_F(NetBiosBrowse, BytesBehindTheDatagramsLengthReadAsZero) {
 
 TEST_F(NetBiosBrowse, ADatagramLengthBeyondTheFrameIsNoHarm) {
     lan.Says(NetBiosDatagram{
-        .sourceIp = kIp, .block = BrowseBlock{.major = 5, .minor = 1}, .datagramLength = u16{0xffff}});
+        .sourceIp = kBrowserIp, .block = BrowseBlock{.major = 5, .minor = 1}, .datagramLength = u16{0xffff}});
     EXPECT_STREQ(host.os, "Microsoft Windows XP");
 }
 
 TEST_F(NetBiosBrowse, NamesAreReadAsTheyStandInAnyLength) {
     for (std::size_t length : {0u, 1u, 100u, 254u, 255u}) {
         host.osFromBrowse = 0;
-        lan.Says(NetBiosDatagram{.sourceIp = kIp,
+        lan.Says(NetBiosDatagram{.sourceIp = kBrowserIp,
                                  .sourceName = std::string(length, 'a'),
                                  .destinationName = std::string(255 - length, 'b'),
                                  .block = BrowseBlock{}});
@@ -356,10 +356,10 @@ TEST_F(NetBiosBrowse, NamesAreReadAsTheyStandInAnyLength) {
 TEST_F(NetBiosBrowse, ANameOf256CharactersIsCutAt255) {
     const std::string tooLong(256, 'a');
     lan.Says(NetBiosDatagram{
-        .sourceIp = kIp, .sourceName = tooLong, .destinationName = "b", .block = BrowseBlock{}});
+        .sourceIp = kBrowserIp, .sourceName = tooLong, .destinationName = "b", .block = BrowseBlock{}});
     ExpectNothingChanged();
     const std::string block = BrowseBlock{};  // its sixth byte is 0: ends what stands where the name is sent
-    lan.Says(NetBiosDatagram{.sourceIp = kIp,
+    lan.Says(NetBiosDatagram{.sourceIp = kBrowserIp,
                              .sourceName = tooLong,
                              .destinationName = block.substr(0, 5),
                              .block = block.substr(6)});
@@ -367,7 +367,7 @@ TEST_F(NetBiosBrowse, ANameOf256CharactersIsCutAt255) {
 }
 
 TEST_F(NetBiosBrowse, AFrameThatEndsInItsNamesIsDropped) {
-    Frame frame = BrowseAnnouncement{.sourceIp = kIp};
+    Frame frame = BrowseAnnouncement{.sourceIp = kBrowserIp};
     for (std::size_t size : {55u, 56u, 57u, 89u, 90u, 91u, 124u})
         lan.Says(Frame(frame.begin(), frame.begin() + static_cast<long>(size)));
     ExpectNothingChanged();

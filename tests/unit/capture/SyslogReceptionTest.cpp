@@ -10,15 +10,15 @@
 namespace vardel::test {
 namespace {
 
-const std::string kIp = "10.0.0.7";
+const std::string kSenderIp = "10.0.0.7";
 
 class SyslogReception : public testing::Test {
   protected:
     SyslogReception() { lan.data.settings.Syslog = 1; }
-    void Sends(const std::string& message, const std::string& source = kIp) {
+    void Sends(const std::string& message, const std::string& source = kSenderIp) {
         lan.Says(SyslogDatagram{.sourceIp = source, .message = message});
     }
-    std::vector<SyslogRecord> Stored() { return lan.MessagesOf(kIp); }
+    std::vector<SyslogRecord> Stored() { return lan.MessagesOf(kSenderIp); }
     // The one message that is stored.
     SyslogRecord Only() {
         const auto stored = Stored();
@@ -42,7 +42,7 @@ TEST_F(SyslogReception, TakesFacilitySeverityAndText) {
     EXPECT_EQ(record.facility, 1);
     EXPECT_EQ(record.severity, 5);
     EXPECT_STREQ(record.text, "hello");
-    EXPECT_EQ(std::string(record.source), kIp);
+    EXPECT_EQ(std::string(record.source), kSenderIp);
     EXPECT_EQ(record.serial, 1u);
     EXPECT_EQ(record.expired, 0);
     EXPECT_NEAR(static_cast<double>(record.received), static_cast<double>(SystemClock().Now()), 5);
@@ -60,8 +60,8 @@ TEST_P(SyslogPri, IsReadAsItStands) {
     const PriCase& expected = GetParam();
     WatchedLan lan;
     lan.data.settings.Syslog = 1;
-    lan.Says(SyslogDatagram{.sourceIp = kIp, .message = expected.message});
-    const auto stored = lan.MessagesOf(kIp);
+    lan.Says(SyslogDatagram{.sourceIp = kSenderIp, .message = expected.message});
+    const auto stored = lan.MessagesOf(kSenderIp);
     ASSERT_EQ(stored.size(), 1u);
     EXPECT_EQ(stored[0].facility, expected.facility);
     EXPECT_EQ(stored[0].severity, expected.severity);
@@ -91,12 +91,12 @@ TEST_F(SyslogReception, DropsWhatDoesNotBeginWithABracket) {
 TEST_F(SyslogReception, DropsAMessageWithoutText) {
     Sends("<13>");  // Ethernet padding follows: the text begins with a NUL
     for (const char* message : {"<13>", "<13", "<", "<>", "<123>", "<123"})
-        lan.Says(SyslogDatagram{.sourceIp = kIp, .message = message, .padded = false});
+        lan.Says(SyslogDatagram{.sourceIp = kSenderIp, .message = message, .padded = false});
     ExpectNothingStored();
 }
 
 TEST_F(SyslogReception, KeepsATextOfOneCharacter) {
-    lan.Says(SyslogDatagram{.sourceIp = kIp, .message = "<13>x", .padded = false});
+    lan.Says(SyslogDatagram{.sourceIp = kSenderIp, .message = "<13>x", .padded = false});
     EXPECT_STREQ(Only().text, "x");
 }
 
@@ -119,7 +119,7 @@ TEST_F(SyslogReception, CountsTheLengthFromTheEndOfThePri) {
 
 TEST_F(SyslogReception, TakesTheLengthFromTheCaptureAndNotFromTheUdpHeader) {
     lan.Says(
-        UdpFrame{.sourceIp = kIp, .destinationPort = 514, .payload = "<13>all of it", .udpLength = u16{9}});
+        UdpFrame{.sourceIp = kSenderIp, .destinationPort = 514, .payload = "<13>all of it", .udpLength = u16{9}});
     EXPECT_STREQ(Only().text, "all of it");
 }
 
@@ -163,7 +163,7 @@ TEST_F(SyslogReception, StoresNothingWhileItIsOff) {
     Settings().SyslogNotificationLevel = 7;
     Sends("<13>two");
     EXPECT_EQ(Stored().size(), 1u);
-    EXPECT_EQ(lan.data.syslogs.FindValue(kIp.c_str())->MessageCount(), 1u);
+    EXPECT_EQ(lan.data.syslogs.FindValue(kSenderIp.c_str())->MessageCount(), 1u);
     EXPECT_TRUE(lan.SeenEvents().empty());
 }
 
@@ -188,7 +188,7 @@ TEST_F(SyslogReception, NeedsNoKnownHost) {
 }
 
 TEST_F(SyslogReception, PassesOverASenderWhoseEntryHoldsNoList) {
-    lan.data.syslogs.Insert(kIp.c_str(), static_cast<SyslogSourceList*>(nullptr));
+    lan.data.syslogs.Insert(kSenderIp.c_str(), static_cast<SyslogSourceList*>(nullptr));
     Settings().SyslogNotification = 1;
     Sends("<0>nowhere to go");
     EXPECT_TRUE(Stored().empty());
@@ -236,7 +236,7 @@ TEST_F(SyslogReception, ALimitLoweredLaterIsReachedOneMarkAMessage) {
 TEST_F(SyslogReception, APurgeLeavesTheUnmarkedAndTheCountGoesOn) {
     Settings().SyslogMaxEntries = 2;
     for (int i = 0; i < 5; ++i) Sends("<13>x");
-    SyslogSourceList* list = lan.data.syslogs.FindValue(kIp.c_str());
+    SyslogSourceList* list = lan.data.syslogs.FindValue(kSenderIp.c_str());
     EXPECT_EQ(list->PurgeExpired(), 3u);
     auto stored = Stored();
     ASSERT_EQ(stored.size(), 2u);
@@ -332,12 +332,12 @@ TEST_F(SyslogNotification, TellsNothingWhileItIsOff) {
 TEST_F(SyslogNotification, PostsOneEventHoweverManyTestsFit) {
     lan.data.ParseNotificationWords("all,of,them");
     EXPECT_TRUE(Notifies(Pri(20, 1) + "all of them"));
-    EXPECT_EQ(lan.SeenEvents(), (std::vector<SeenEvent>{{10, kIp, "", "all of them", 20 << 16 | 1}}));
+    EXPECT_EQ(lan.SeenEvents(), (std::vector<SeenEvent>{{10, kSenderIp, "", "all of them", 20 << 16 | 1}}));
 }
 
 TEST_F(SyslogNotification, TheEventCarriesTheTextWithoutItsLineFeeds) {
     Sends(Pri(23, 3) + "over\n\n");
-    EXPECT_EQ(lan.SeenEvents(), (std::vector<SeenEvent>{{10, kIp, "", "over", 23 << 16 | 3}}));
+    EXPECT_EQ(lan.SeenEvents(), (std::vector<SeenEvent>{{10, kSenderIp, "", "over", 23 << 16 | 3}}));
 }
 
 TEST_F(SyslogNotification, QueuesACopyOfItsOwn) {
@@ -350,7 +350,7 @@ TEST_F(SyslogNotification, QueuesACopyOfItsOwn) {
     EXPECT_STREQ(queued[1].text, "second");
     EXPECT_EQ(queued[1].facility, 5);
     EXPECT_EQ(queued[1].severity, 3);
-    EXPECT_EQ(std::string(queued[1].source), kIp);
+    EXPECT_EQ(std::string(queued[1].source), kSenderIp);
     EXPECT_EQ(queued[0].serial, 0u);
     EXPECT_EQ(Stored().size(), 3u);
     // Freed by the tick; the stored messages stay as they are.
@@ -407,13 +407,13 @@ class SyslogFailure : public testing::Test {
 
 TEST_F(SyslogFailure, DropsTheDatagramAndGoesOnWithTheNextFrame) {
     events.fails = true;
-    lan.Says(SyslogDatagram{.sourceIp = kIp, .message = "<13>lost"});
-    EXPECT_TRUE(lan.MessagesOf(kIp).empty());
+    lan.Says(SyslogDatagram{.sourceIp = kSenderIp, .message = "<13>lost"});
+    EXPECT_TRUE(lan.MessagesOf(kSenderIp).empty());
     EXPECT_TRUE(lan.Notifications().empty());
     events.fails = false;
-    lan.Says(SyslogDatagram{.sourceIp = kIp, .message = "<13>kept"});
-    ASSERT_EQ(lan.MessagesOf(kIp).size(), 1u);
-    EXPECT_EQ(lan.MessagesOf(kIp)[0].serial, 2u);
+    lan.Says(SyslogDatagram{.sourceIp = kSenderIp, .message = "<13>kept"});
+    ASSERT_EQ(lan.MessagesOf(kSenderIp).size(), 1u);
+    EXPECT_EQ(lan.MessagesOf(kSenderIp)[0].serial, 2u);
     EXPECT_EQ(lan.Notifications().size(), 1u);
     EXPECT_EQ(lan.ip.packetCount, 2u);
 }
@@ -421,17 +421,17 @@ TEST_F(SyslogFailure, DropsTheDatagramAndGoesOnWithTheNextFrame) {
 TEST_F(SyslogFailure, WaitsForTheTakerOfTheNotificationsAndAddsAfterATimeOut) {
     ASSERT_TRUE(lan.data.fences.CreateAll());
     lan.data.fences.Raise(Fence::SysLog);
-    lan.Says(SyslogDatagram{.sourceIp = kIp, .message = "<13>late"});
+    lan.Says(SyslogDatagram{.sourceIp = kSenderIp, .message = "<13>late"});
     ASSERT_EQ(events.waits.size(), 1u);
     EXPECT_EQ(events.waits[0].event, lan.data.fences.Handle(Fence::SysLog));
     EXPECT_EQ(events.waits[0].timeoutMs, 30000u);
     EXPECT_EQ(lan.Notifications().size(), 1u);
-    EXPECT_EQ(lan.MessagesOf(kIp).size(), 1u);
+    EXPECT_EQ(lan.MessagesOf(kSenderIp).size(), 1u);
 }
 
 TEST_F(SyslogFailure, WaitsForNobodyWhereNothingIsQueued) {
     lan.data.settings.SyslogNotificationType = 1;
-    lan.Says(SyslogDatagram{.sourceIp = kIp, .message = "<13>x"});
+    lan.Says(SyslogDatagram{.sourceIp = kSenderIp, .message = "<13>x"});
     EXPECT_TRUE(events.waits.empty());
 }
 

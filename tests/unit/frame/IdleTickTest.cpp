@@ -12,9 +12,13 @@ namespace {
 
 std::atomic<long> allocations{0};
 
-void* Counted(std::size_t size) {
+void* CountedOrNull(std::size_t size) noexcept {
     ++allocations;
-    if (void* block = std::malloc(size ? size : 1)) return block;
+    return std::malloc(size ? size : 1);
+}
+
+void* Counted(std::size_t size) {
+    if (void* block = CountedOrNull(size)) return block;
     throw std::bad_alloc();
 }
 
@@ -22,6 +26,8 @@ void* Counted(std::size_t size) {
 
 void* operator new(std::size_t size) { return Counted(size); }
 void* operator new[](std::size_t size) { return Counted(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return CountedOrNull(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return CountedOrNull(size); }
 void operator delete(void* block) noexcept { std::free(block); }
 void operator delete[](void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }

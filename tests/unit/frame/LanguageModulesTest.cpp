@@ -10,6 +10,7 @@
 #include "resources/ResourceIds.h"
 #include "tests/unit/support/ScriptedPlugins.h"
 #include "tests/unit/support/TestModules.h"
+#include "tests/unit/support/NoFrame.h"
 #include "tests/unit/support/TestServices.h"
 
 namespace vardel {
@@ -49,13 +50,6 @@ u32 EndlessInfo(char* name, int size, u32*) {
     return 205;
 }
 }
-
-class NoFrame : public VardelFrame {
-  public:
-    bool CreateApp(VardelData&, Vardel&) override { return true; }
-    void ShowError(const char*, const char*) override {}
-    std::unique_ptr<NotifyPopup> MakeUpdatePopup() override { return nullptr; }
-};
 
 using Info = u32(char*, int, u32*);
 const auto kProgram = reinterpret_cast<ModuleHandle>(0x1000);
@@ -294,7 +288,7 @@ TEST_F(LanguageModulesTest, AModuleWithoutTextsGivesNone) {
 TEST_F(LanguageModulesTest, TheApplicationFreesTheModulesAtItsEndButNotTheProgramsOwn) {
     Installed("german.lang", &GermanInfo);
     {
-        NoFrame frame;
+        test::NoFrame frame;
         Vardel app(system.services, frame);
         app.data.settings.Language = "Deutsch";
         const ModuleHandle choice = app.LoadLanguages();

@@ -1,39 +1,23 @@
 // The flush of the kernel's neighbour table, only ever in a network namespace of the test's own.
+#include "platform/ArpCache.h"
+
 #include <gtest/gtest.h>
-#include <linux/capability.h>
 #include <net/if.h>
-#include <sched.h>
 #include <stdlib.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <iostream>
 #include <string>
 
-#include "platform/ArpCache.h"
+#include "tests/unit/support/OwnNamespace_posix.h"
 
 namespace vardel {
 namespace {
 
-// What became of a child process that acts in its own namespace.
-constexpr int kGood = 0, kNoNamespace = 77;
-
-bool EnterOwnNamespace() {
-    return unshare(CLONE_NEWNET) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNET) == 0;
-}
-
-bool DropAllRights() {
-    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
-    __user_cap_data_struct none[2] = {};
-    return syscall(SYS_capset, &header, none) == 0;
-}
-
-bool Shell(const char* command) {
-    return system(command) == 0;
-}
+using test::DropAllRights;
+using test::InOwnNamespace;
+using test::kGood;
+using test::ShellRuns;
 
 int CountNeighbours(const char* family) {
     const std::string command =
@@ -46,37 +30,23 @@ int CountNeighbours(const char* family) {
 }
 
 // Two adapters joined by a cable, with neighbours of each kind on the first.
-bool LayOutNetwork() {
-    return Shell("ip link add vardeltest0 type veth peer name vardeltest1") &&
-           Shell("ip link set vardeltest0 up") && Shell("ip link set vardeltest1 up") &&
-           Shell("ip address add 192.0.2.1/24 dev vardeltest0") &&
-           Shell("ip neighbour add 192.0.2.2 lladdr 02:00:00:00:00:02 nud permanent dev vardeltest0") &&
-           Shell("ip neighbour add 192.0.2.3 lladdr 02:00:00:00:00:03 nud reachable dev vardeltest0") &&
-           Shell("ip neighbour add 192.0.2.4 lladdr 02:00:00:00:00:04 nud stale dev vardeltest0") &&
-           Shell("ip -6 neighbour add 2001:db8::2 lladdr 02:00:00:00:00:05 nud stale dev vardeltest0");
+bool LayOutNeighbours() {
+    return ShellRuns("ip link add vardeltest0 type veth peer name vardeltest1") &&
+           ShellRuns("ip link set vardeltest0 up") && ShellRuns("ip link set vardeltest1 up") &&
+           ShellRuns("ip address add 192.0.2.1/24 dev vardeltest0") &&
+           ShellRuns("ip neighbour add 192.0.2.2 lladdr 02:00:00:00:00:02 nud permanent dev vardeltest0") &&
+           ShellRuns("ip neighbour add 192.0.2.3 lladdr 02:00:00:00:00:03 nud reachable dev vardeltest0") &&
+           ShellRuns("ip neighbour add 192.0.2.4 lladdr 02:00:00:00:00:04 nud stale dev vardeltest0") &&
+           ShellRuns("ip -6 neighbour add 2001:db8::2 lladdr 02:00:00:00:00:05 nud stale dev vardeltest0");
 }
-
-// Runs `act` in a child process in a namespace of its own, which ends with it. Gives what `act` gave.
-template <class Act>
-int InOwnNamespace(Act act) {
-    const pid_t child = fork();
-    if (child == 0) _exit(EnterOwnNamespace() ? act() : kNoNamespace);
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status)) return -1;
-    if (WEXITSTATUS(status) == kNoNamespace)
-        std::cout << "This machine grants no network namespace: nothing was flushed, nothing was tested.\n";
-    return WEXITSTATUS(status);
-}
-
-#define EXPECT_GOOD_IF_GRANTED(result) EXPECT_TRUE((result) == kGood || (result) == kNoNamespace) << (result)
 
 TEST(ArpCachePosix, FlushesTheInterfaceOfTheNumberAlone) {
     const int result = InOwnNamespace([] {
-        if (!LayOutNetwork()) return 2;
-        if (!Shell("ip link add vardeltest2 type veth peer name vardeltest3") ||
-            !Shell("ip link set vardeltest2 up") || !Shell("ip link set vardeltest3 up") ||
-            !Shell("ip address add 198.51.100.1/24 dev vardeltest2") ||
-            !Shell("ip neighbour add 198.51.100.2 lladdr 02:00:00:00:00:06 nud stale dev vardeltest2"))
+        if (!LayOutNeighbours()) return 2;
+        if (!ShellRuns("ip link add vardeltest2 type veth peer name vardeltest3") ||
+            !ShellRuns("ip link set vardeltest2 up") || !ShellRuns("ip link set vardeltest3 up") ||
+            !ShellRuns("ip address add 198.51.100.1/24 dev vardeltest2") ||
+            !ShellRuns("ip neighbour add 198.51.100.2 lladdr 02:00:00:00:00:06 nud stale dev vardeltest2"))
             return 3;
         const u32 first = if_nametoindex("vardeltest0"), other = if_nametoindex("vardeltest2");
         if (SystemArpCache().CountInterfaces() < std::max(first, other)) return 4;
@@ -97,7 +67,7 @@ TEST(ArpCachePosix, EveryInterfaceOfTheProgramIsWithinTheCount) {
 
 TEST(ArpCachePosix, FlushEmptiesTheTableOfIpv4AndLeavesThatOfIpv6) {
     const int result = InOwnNamespace([] {
-        if (!LayOutNetwork()) return 2;
+        if (!LayOutNeighbours()) return 2;
         if (CountNeighbours("-4") != 3) return 3;
         const int before = CountNeighbours("-6");
         SystemArpCache().Flush();
@@ -109,9 +79,9 @@ TEST(ArpCachePosix, FlushEmptiesTheTableOfIpv4AndLeavesThatOfIpv6) {
 
 TEST(ArpCachePosix, FlushEmptiesALargeTable) {
     const int result = InOwnNamespace([] {
-        if (!LayOutNetwork()) return 2;
+        if (!LayOutNeighbours()) return 2;
         // One command for all of them; more than one reply of the kernel can hold.
-        if (!Shell(
+        if (!ShellRuns(
                 "ip address add 198.18.0.1/16 dev vardeltest0 && for a in 0 1 2; do for b in $(seq 2 251); "
                 "do "
                 "echo neighbour add 198.18.$a.$b lladdr 02:00:00:01:00:01 nud stale dev vardeltest0; done; "
@@ -127,7 +97,7 @@ TEST(ArpCachePosix, FlushEmptiesALargeTable) {
 
 TEST(ArpCachePosix, WithoutTheRightTheTableStaysAndNothingIsSaid) {
     const int result = InOwnNamespace([] {
-        if (!LayOutNetwork()) return 2;
+        if (!LayOutNeighbours()) return 2;
         if (!DropAllRights()) return 3;
         SystemArpCache().Flush();
         return CountNeighbours("-4") == 3 ? kGood : 4;

@@ -38,7 +38,7 @@ std::string NameOf(const std::string& ip, const LiteralState& state) {
 
 }  // namespace
 
-void LiteralArp::PacketReceived(i64 seconds, const Bytes* frame, LiteralState* state) {
+void LiteralArp::PacketReceived(i64 seconds, const FrameBytes* frame, LiteralState* state) {
     packetCount = packetCount + 1;
     if (!frame || !state) return;
     const std::time_t time = static_cast<std::time_t>(seconds);

@@ -7,7 +7,7 @@ namespace vardel::test {
 
 class LiteralArp {
   public:
-    void PacketReceived(i64 seconds, const Bytes* frame, LiteralState* state);
+    void PacketReceived(i64 seconds, const FrameBytes* frame, LiteralState* state);
 
     u64 packetCount = 0;
 

@@ -8,7 +8,7 @@ namespace vardel::test {
 
 namespace {
 
-std::string SourceIpOf(const Bytes& frame) {
+std::string SourceIpOf(const FrameBytes& frame) {
     char text[20];
     std::snprintf(text, sizeof text, "%d.%d.%d.%d", ByteAt(frame, 26), ByteAt(frame, 27), ByteAt(frame, 28),
                   ByteAt(frame, 29));
@@ -113,7 +113,7 @@ bool Notifies(const LiteralState& state, int severity, int facility, const std::
 
 }  // namespace
 
-void LiteralIp::PacketReceived(const Bytes* frame, LiteralState* state) {
+void LiteralIp::PacketReceived(const FrameBytes* frame, LiteralState* state) {
     if (!frame || !state) return;
     ++packetCount;
     if (ByteAt(*frame, 23) != 17) return;
@@ -129,7 +129,7 @@ void LiteralIp::PacketReceived(const Bytes* frame, LiteralState* state) {
         Device(*frame, *state);
 }
 
-void LiteralIp::Ssdp(const Bytes& frame, LiteralState& state) {
+void LiteralIp::Ssdp(const FrameBytes& frame, LiteralState& state) {
     const auto found = state.arpMap.find(SourceIpOf(frame));
     if (found == state.arpMap.end() || !found->second) return;
     LiteralHost& host = *found->second;
@@ -163,7 +163,7 @@ void LiteralIp::Ssdp(const Bytes& frame, LiteralState& state) {
     host.upnpDone = 1;
 }
 
-void LiteralIp::Device(const Bytes& frame, LiteralState& state) {
+void LiteralIp::Device(const FrameBytes& frame, LiteralState& state) {
     const auto found = state.arpMap.find(SourceIpOf(frame));
     if (found == state.arpMap.end() || !found->second) return;
     LiteralHost& host = *found->second;
@@ -185,7 +185,7 @@ void LiteralIp::Device(const Bytes& frame, LiteralState& state) {
     host.os = label;
 }
 
-void LiteralIp::Browse(const Bytes& frame, LiteralState& state) {
+void LiteralIp::Browse(const FrameBytes& frame, LiteralState& state) {
     const int length = BigWordAt(frame, 52);
     const std::string sourceName = TextAt(frame, 56, 255);
     const int sourceLength = static_cast<int>(sourceName.size());
@@ -194,7 +194,7 @@ void LiteralIp::Browse(const Bytes& frame, LiteralState& state) {
     int rest = length - (targetLength + 1) - (sourceLength + 1);
     if (rest < 1) return;
     if (rest > 512) rest = 512;
-    Bytes block(512, 0);
+    FrameBytes block(512, 0);
     const std::size_t start = 56 + sourceName.size() + 1 + targetName.size() + 1;
     for (std::size_t i = 0; i < static_cast<std::size_t>(rest); ++i)
         block[i] = static_cast<u8>(ByteAt(frame, start + i));
@@ -229,7 +229,7 @@ void LiteralIp::Browse(const Bytes& frame, LiteralState& state) {
     }
 }
 
-void LiteralIp::Syslog(const Bytes& frame, LiteralState& state) {
+void LiteralIp::Syslog(const FrameBytes& frame, LiteralState& state) {
     if (!state.settings.syslog) return;
     if (ByteAt(frame, 42) != '<') return;
     std::size_t pos = 43;

@@ -7,16 +7,16 @@ namespace vardel::test {
 
 class LiteralIp {
   public:
-    void PacketReceived(const Bytes* frame, LiteralState* state);
+    void PacketReceived(const FrameBytes* frame, LiteralState* state);
 
     u64 packetCount = 0;
     u64 announcements = 0;  // that passed all checks
 
   private:
-    void Browse(const Bytes& frame, LiteralState& state);
-    void Syslog(const Bytes& frame, LiteralState& state);
-    void Ssdp(const Bytes& frame, LiteralState& state);
-    void Device(const Bytes& frame, LiteralState& state);
+    void Browse(const FrameBytes& frame, LiteralState& state);
+    void Syslog(const FrameBytes& frame, LiteralState& state);
+    void Ssdp(const FrameBytes& frame, LiteralState& state);
+    void Device(const FrameBytes& frame, LiteralState& state);
 };
 
 }  // namespace vardel::test

@@ -15,7 +15,7 @@
 
 namespace vardel::test {
 
-using Bytes = std::vector<u8>;
+using FrameBytes = std::vector<u8>;
 
 struct LiteralHost {
     std::string ip, mac, vendor, lastSeenText, hostName;
@@ -110,14 +110,14 @@ struct LiteralState {
 };
 
 // A byte of a frame, by its offset; behind the captured end it is 0.
-inline int ByteAt(const Bytes& bytes, std::size_t offset) {
+inline int ByteAt(const FrameBytes& bytes, std::size_t offset) {
     return offset < bytes.size() ? bytes[offset] : 0;
 }
-inline int BigWordAt(const Bytes& bytes, std::size_t offset) {
+inline int BigWordAt(const FrameBytes& bytes, std::size_t offset) {
     return ByteAt(bytes, offset) * 256 + ByteAt(bytes, offset + 1);
 }
 // The NUL-terminated text at an offset, at most `limit` characters.
-inline std::string TextAt(const Bytes& bytes, std::size_t offset, std::size_t limit) {
+inline std::string TextAt(const FrameBytes& bytes, std::size_t offset, std::size_t limit) {
     std::string text;
     while (text.size() < limit && ByteAt(bytes, offset) != 0)
         text += static_cast<char>(ByteAt(bytes, offset++));

@@ -56,7 +56,7 @@ class Chance {
     u64 state_;
 };
 
-// Changes a few bytes, and sometimes where the frame ends. Bytes in front of `from` are left alone.
+// Changes a few bytes, and sometimes where the frame ends. FrameBytes in front of `from` are left alone.
 void Mutate(Frame& frame, std::size_t from, Chance& chance);
 
 // The texts that both sides load by string id.
