@@ -13,11 +13,12 @@ struct Column {
     std::string HostRow::*field;
 };
 
-constexpr std::array<Column, 7> kColumns = {{
+constexpr std::array<Column, 8> kColumns = {{
     {"IP", &HostRow::ip},
     {"MAC", &HostRow::mac},
     {"Vendor", &HostRow::vendor},
     {"Name", &HostRow::name},
+    {"Device", &HostRow::device},
     {"OS", &HostRow::os},
     {"Trust", &HostRow::trust},
     {"Last seen", &HostRow::lastSeen},
@@ -36,9 +37,14 @@ u32 AddressNumber(const std::string& ip) {
 }
 
 HostRow RowOf(const HostRecord& host) {
-    return {Printable(host.ip),       Printable(host.mac), Printable(host.vendor),
-            Printable(host.hostName), Printable(host.os),  TrustText(host.trustState),
-            Printable(host.lastSeenText)};
+    return {.ip = Printable(host.ip),
+            .mac = Printable(host.mac),
+            .vendor = Printable(host.vendor),
+            .name = Printable(host.hostName),
+            .device = Printable(host.friendlyName),
+            .os = Printable(host.os),
+            .trust = TrustText(host.trustState),
+            .lastSeen = Printable(host.lastSeenText)};
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ std::string PrintableText(std::string_view text);
 
 // One row of the host table, already printable.
 struct HostRow {
-    std::string ip, mac, vendor, name, os, trust, lastSeen;
+    std::string ip, mac, vendor, name, device, os, trust, lastSeen;
 };
 
 // "unknown", "trusted" or "distrusted".

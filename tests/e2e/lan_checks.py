@@ -33,8 +33,9 @@ def list_key(ips):
     return {f"Host{number}": listed_host(ip) for number, ip in enumerate(ips)}
 
 
-def expected_hosts(seed, names=None, trusted=(), distrusted=(), is_numeric=False):
-    """{ip: {heading: cell}}. `names` are those that the resolver knows; they close a record to others."""
+def expected_hosts(seed, names=None, trusted=(), distrusted=(), is_numeric=False, has_documents=True):
+    """{ip: {heading: cell}}. `names` are those that the resolver knows; they close a record to others. Where the
+    devices' documents are not to be had, no device is named."""
     table = vendors(watch_run.LINUX_PROGRAM)
     result = {}
     for host in lan_expectations.expectations(lan_description.Lan(seed), is_numeric)["hosts"]:
@@ -45,6 +46,7 @@ def expected_hosts(seed, names=None, trusted=(), distrusted=(), is_numeric=False
             "Trust": TRUST_TEXTS[2 if ip in distrusted else 1 if ip in trusted else 0],
             "OS": host["os"],
             "Name": (names or {}).get(ip) or host["hostName"] or NO_NAME,
+            "Device": host["friendlyName"] if has_documents else "",
         }
         result[ip] = cells
     return result

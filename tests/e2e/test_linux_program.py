@@ -168,7 +168,7 @@ class SavefileTest(LinuxProgramCase):
         self.assert_ended_well(run)
         # This machine's own name is refused of another address, by the steps that would give it.
         names = {"10.77.0.10": "files.valley.example", "10.77.0.36": lan_checks.NO_NAME}
-        expected = lan_checks.expected_hosts(SEED, names, is_numeric=True)
+        expected = lan_checks.expected_hosts(SEED, names, is_numeric=True, has_documents=False)
         lan_checks.check_hosts(self, run.hosts(), expected, {lan_description.WATCHER_IP, "127.0.0.1"})
         lan_checks.check_new_host_events(self, run.log_events(), names, is_numeric=True)
         lan_checks.check_log(self, run, f"file://{path}")

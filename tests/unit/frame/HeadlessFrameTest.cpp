@@ -111,8 +111,8 @@ TEST_F(HeadlessFrameTest, EndsWithTheHostTableAndTheCounts) {
     EXPECT_EQ(WithoutTimes(),
               " | New host found | 10.0.0.5 | desk | \n"
               "\n"
-              "IP        MAC  Vendor  Name  OS  Trust    Last seen\n"
-              "10.0.0.5               desk      unknown\n"
+              "IP        MAC  Vendor  Name  Device  OS  Trust    Last seen\n"
+              "10.0.0.5               desk              unknown\n"
               "\n"
               "1 hosts, 1 events\n");
 }

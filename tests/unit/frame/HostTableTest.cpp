@@ -29,7 +29,7 @@ TEST(PrintableText, EscapesWhatCouldSteerATerminal) {
 }
 
 TEST_F(HostTableTest, AnEmptyTableIsItsHeadingAlone) {
-    EXPECT_EQ(FormatHostTable(CollectHosts(data)), "IP  MAC  Vendor  Name  OS  Trust  Last seen\n");
+    EXPECT_EQ(FormatHostTable(CollectHosts(data)), "IP  MAC  Vendor  Name  Device  OS  Trust  Last seen\n");
 }
 
 TEST_F(HostTableTest, ShowsEachFieldInItsColumn) {
@@ -37,12 +37,13 @@ TEST_F(HostTableTest, ShowsEachFieldInItsColumn) {
     host.mac = "00:11:22:33:44:55";
     host.vendor = "Acme Cards";
     host.hostName = "desk";
+    host.friendlyName = "Hall";
     host.os = "Windows XP";
     host.lastSeenText = "12:34:56";
     host.trustState = TrustState::Distrusted;
     EXPECT_EQ(FormatHostTable(CollectHosts(data)),
-              "IP        MAC                Vendor      Name  OS          Trust       Last seen\n"
-              "10.0.0.5  00:11:22:33:44:55  Acme Cards  desk  Windows XP  distrusted  12:34:56\n");
+              "IP        MAC                Vendor      Name  Device  OS          Trust       Last seen\n"
+              "10.0.0.5  00:11:22:33:44:55  Acme Cards  desk  Hall    Windows XP  distrusted  12:34:56\n");
 }
 
 TEST_F(HostTableTest, SortsByTheNumberOfTheAddress) {
