@@ -2,7 +2,6 @@
 
 #include <dlfcn.h>
 
-#include <algorithm>
 #include <cstring>
 
 #include "platform/StringTable.h"
@@ -28,15 +27,7 @@ int LoadFromModule(ModuleHandle module, u32 id, char* buffer, int size) {
 class TableStrings : public StringResources {
   public:
     int Load(ModuleHandle module, u32 id, char* buffer, int size) override {
-        buffer[0] = 0;
-        if (module) return LoadFromModule(module, id, buffer, size);
-        const auto texts = EnglishTexts();
-        const auto found = std::ranges::lower_bound(texts, id, {}, &StringTableEntry::id);
-        if (found == texts.end() || found->id != id) return 0;
-        const int length = std::min(static_cast<int>(std::strlen(found->text)), size - 1);
-        std::memcpy(buffer, found->text, static_cast<std::size_t>(length));
-        buffer[length] = 0;
-        return length;
+        return module ? LoadFromModule(module, id, buffer, size) : CopyTableText(EnglishTexts(), id, buffer, size);
     }
 };
 

@@ -17,6 +17,7 @@ import tempfile
 import threading
 import time
 
+import check_languages
 import check_structure
 import run_fuzz
 
@@ -194,6 +195,8 @@ class Checks:
     def structure(self):
         for rule, places in check_structure.problems().items():
             self.tally.add(f"structure: {rule}", int(not places), int(bool(places)), "\n".join(places))
+        for rule, places in check_languages.problems().items():
+            self.tally.add(f"languages: {rule}", int(not places), int(bool(places)), "\n".join(places))
 
     def linux_release(self):
         # Without sanitizers the literal twins run their millions of rounds.

@@ -22,6 +22,10 @@ std::string ExamplePlugin(const std::string& name) {
     return ModuleIn(VARDEL_EXAMPLE_PLUGINS, name);
 }
 
+std::string LanguageModule(const std::string& name) {
+    return std::filesystem::absolute(std::filesystem::path(VARDEL_LANGUAGES) / (name + ".lang")).string();
+}
+
 std::string SourceFile(const std::string& name) {
     return std::filesystem::absolute(std::filesystem::path(VARDEL_SOURCE_FOLDER) / name).string();
 }

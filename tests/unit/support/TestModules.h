@@ -9,6 +9,8 @@ namespace vardel::test {
 std::string TestModule(const std::string& name);
 // The same of an example plugin.
 std::string ExamplePlugin(const std::string& name);
+// The same of a language module, which has the same ending on every system.
+std::string LanguageModule(const std::string& name);
 // The full path of a file of the source, named from its root.
 std::string SourceFile(const std::string& name);
 
