@@ -1,28 +1,39 @@
 #include "toolkit/ControlReflection.h"
 
+#include <vector>
+
 namespace vardel {
 
 namespace {
 
-constexpr char kReceiverProperty[] = "Vardel.NotifyReceiver";
+// A table of this process: each row that a list gets is notified, and a property of a window would be asked from
+// the system every time.
+struct BoundReceiver {
+    HWND control;
+    NotifyReceiver* receiver;
+};
 
-NotifyReceiver* ReceiverOf(HWND control) {
-    return reinterpret_cast<NotifyReceiver*>(GetPropA(control, kReceiverProperty));
+std::vector<BoundReceiver>& Receivers() {
+    static std::vector<BoundReceiver> receivers;
+    return receivers;
 }
 
 }  // namespace
 
-bool BindNotifyReceiver(HWND control, NotifyReceiver* receiver) {
-    return SetPropA(control, kReceiverProperty, reinterpret_cast<HANDLE>(receiver)) != FALSE;
+void BindNotifyReceiver(HWND control, NotifyReceiver* receiver) {
+    std::erase_if(Receivers(), [control](const BoundReceiver& one) { return one.control == control; });
+    Receivers().push_back({control, receiver});
 }
 
 void UnbindNotifyReceiver(HWND control, NotifyReceiver* receiver) {
-    if (control && ReceiverOf(control) == receiver) RemovePropA(control, kReceiverProperty);
+    std::erase_if(Receivers(),
+                  [=](const BoundReceiver& one) { return one.control == control && one.receiver == receiver; });
 }
 
 bool ReflectNotify(HWND control, LPARAM data, LRESULT& result) {
-    NotifyReceiver* const receiver = control ? ReceiverOf(control) : nullptr;
-    return receiver && receiver->OnReflectedNotify(data, result);
+    for (const BoundReceiver& one : Receivers())
+        if (one.control == control) return one.receiver->OnReflectedNotify(data, result);
+    return false;
 }
 
 }  // namespace vardel

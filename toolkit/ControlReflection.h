@@ -1,6 +1,6 @@
 // Notifications of a control, offered first to the toolkit's object that serves the control.
 //
-// The object stays bound to its control's window until it is unbound or the window goes. Main thread.
+// The object is unbound before it or its control goes. Main thread.
 #pragma once
 
 #include "platform/WindowsApi.h"
@@ -16,7 +16,8 @@ class NotifyReceiver {
     ~NotifyReceiver() = default;
 };
 
-bool BindNotifyReceiver(HWND control, NotifyReceiver* receiver);
+// A control has one receiver, the last that was bound.
+void BindNotifyReceiver(HWND control, NotifyReceiver* receiver);
 // Nothing where another receiver is bound by now.
 void UnbindNotifyReceiver(HWND control, NotifyReceiver* receiver);
 

@@ -61,6 +61,14 @@ HICON TcGuiTools::LoadSizedIcon(ModuleHandle module, int iconResource, int edge)
                                          LR_DEFAULTCOLOR));
 }
 
+std::wstring TcGuiTools::WideText(const std::string& text) {
+    const int size = static_cast<int>(text.size());
+    const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), size, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(length), L'\0');
+    if (length > 0) MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), length);
+    return wide;
+}
+
 int TcGuiTools::Dpi() {
     const WindowDc screen(nullptr);
     const int dpi = screen.Get() ? GetDeviceCaps(screen.Get(), LOGPIXELSX) : 0;

@@ -1,6 +1,8 @@
 // TcGuiTools: helpers of the toolkit and of the windows that stand on it. Main thread.
 #pragma once
 
+#include <string>
+
 #include "platform/StringResources.h"
 #include "platform/WindowsApi.h"
 #include "toolkit/PixelRect.h"
@@ -19,6 +21,9 @@ class TcGuiTools {
     // An icon resource at `edge` pixels of 100 %, scaled for the display. The caller owns it (DestroyIcon). Null when
     // the module has none of that number.
     static HICON LoadSizedIcon(ModuleHandle module, int iconResource, int edge);
+
+    // A text of the system code page in the system's own characters.
+    static std::wstring WideText(const std::string& text);
 
     // Dots per inch of the system, fixed for the session.
     static int Dpi();

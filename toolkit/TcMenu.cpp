@@ -42,13 +42,6 @@ char GlyphOf(UINT command) {
     return 0;
 }
 
-std::wstring Wide(const std::string& text) {
-    const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(length), L'\0');
-    if (length > 0) MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), wide.data(), length);
-    return wide;
-}
-
 // A popup's command id is its handle, which says nothing.
 bool ReadItem(HMENU menu, int position, MENUITEMINFOA& info, UINT mask) {
     info = {};
@@ -111,7 +104,7 @@ bool TcMenu::TakeItem(int position) {
     item->look.isSeparator = (info.fType & MFT_SEPARATOR) != 0;
     item->look.isRadio = (info.fType & MFT_RADIOCHECK) != 0;
     item->look.glyph = GlyphOf(item->id);
-    item->spokenText = Wide(SpokenLabel(item->look.text.label));
+    item->spokenText = TcGuiTools::WideText(SpokenLabel(item->look.text.label));
     item->spoken = {MSAA_MENU_SIG, static_cast<DWORD>(item->spokenText.size()), item->spokenText.data()};
 
     info.fMask = MIIM_FTYPE | MIIM_DATA;

@@ -1,0 +1,118 @@
+// A list in a dialog, with records of the test's own.
+#pragma once
+
+#include "tests/desktop/DesktopFixture.h"
+#include "toolkit/TcListView.h"
+
+namespace vardel::test {
+
+struct ListRecord {
+    std::string cells[3];
+    int image = -1;
+    int color = -1;
+};
+
+class RecordList : public TcListView {
+  public:
+    bool GetItemText(int column, void* item, TcString& text) override {
+        ++asked;
+        text = static_cast<ListRecord*>(item)->cells[column].c_str();
+        return true;
+    }
+    int GetItemImage(int column, void* item) override { return column == 0 ? static_cast<ListRecord*>(item)->image : -1; }
+    int GetItemTextColor(void* item) override { return static_cast<ListRecord*>(item)->color; }
+
+    int asked = 0;
+};
+
+// Runs a dialog with the list; `inInit` once the list has its three columns, `steps` drive the rest.
+class ListDialog : public ToldDialog {
+  public:
+    ListDialog() : ToldDialog(DIALOG_LIST) {
+        onMeasure = [this](int id, MEASUREITEMSTRUCT* item) { return id == CONTROL_LIST && list.OnMeasureItem(item); };
+        onDraw = [this](int id, DRAWITEMSTRUCT* item) {
+            drawn += id == CONTROL_LIST;
+            return id == CONTROL_LIST && list.OnDrawItem(item);
+        };
+        onInit = [this] {
+            ASSERT_TRUE(list.InitListView(nullptr, GetControl(CONTROL_LIST)));
+            if (beforeColumns) beforeColumns();
+            list.SetLook(kListStylesWithImages);
+            EXPECT_EQ(list.AddColumn("", 25), 0);
+            EXPECT_EQ(list.AddColumn("Address", 120), 1);
+            EXPECT_EQ(list.AddColumn("Name", 150, LVCFMT_RIGHT), 2);
+            if (inInit) inInit();
+            if (!goesOn) ExitDialog(true);
+        };
+    }
+    // Runs all in the initialisation.
+    void With(std::function<void()> test) {
+        inInit = std::move(test);
+        EXPECT_TRUE(ShowDialogModal(0));
+    }
+
+    HWND Control() const { return GetControl(CONTROL_LIST); }
+    int LineCount() const { return static_cast<int>(SendCtrlMsg(CONTROL_LIST, LVM_GETITEMCOUNT, 0, 0)); }
+    void* RecordOfLine(int line) const {
+        LVITEMA item{};
+        item.mask = LVIF_PARAM;
+        item.iItem = line;
+        EXPECT_TRUE(SendCtrlMsg(CONTROL_LIST, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item)));
+        return reinterpret_cast<void*>(item.lParam);
+    }
+    std::string TextOfLine(int line, int column) const {
+        char text[260] = "";
+        LVITEMA item{};
+        item.iSubItem = column;
+        item.pszText = text;
+        item.cchTextMax = sizeof text;
+        SendCtrlMsg(CONTROL_LIST, LVM_GETITEMTEXTA, static_cast<WPARAM>(line), reinterpret_cast<LPARAM>(&item));
+        return text;
+    }
+    void Select(int line, bool focus = false) {
+        LVITEMA item{};
+        item.state = LVIS_SELECTED | (focus ? LVIS_FOCUSED : 0u);
+        item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+        SendCtrlMsg(CONTROL_LIST, LVM_SETITEMSTATE, static_cast<WPARAM>(line), reinterpret_cast<LPARAM>(&item));
+    }
+    bool IsSelected(int line) const {
+        return (SendCtrlMsg(CONTROL_LIST, LVM_GETITEMSTATE, static_cast<WPARAM>(line), LVIS_SELECTED) & LVIS_SELECTED) != 0;
+    }
+    int FocusedLine() const {
+        return static_cast<int>(SendCtrlMsg(CONTROL_LIST, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
+    }
+    // The first cells of the lines from the top, headings in brackets.
+    std::string Lines() const {
+        std::string all;
+        for (int line = 0; line < LineCount(); ++line) {
+            const auto* record = static_cast<ListRecord*>(RecordOfLine(line));
+            all += record ? record->cells[1] + " " : "[" + TextOfLine(line, 0) + "] ";
+        }
+        return all;
+    }
+    // The whole list as it is drawn.
+    std::unique_ptr<Canvas> Picture() const {
+        RECT client{};
+        GetClientRect(Control(), &client);
+        auto canvas = std::make_unique<Canvas>(static_cast<int>(client.right), static_cast<int>(client.bottom));
+        UpdateWindow(Control());
+        const HDC dc = GetDC(Control());
+        BitBlt(canvas->Dc(), 0, 0, client.right, client.bottom, dc, 0, 0, SRCCOPY);
+        ReleaseDC(Control(), dc);
+        return canvas;
+    }
+    RECT PlaceOfLine(int line) const {
+        RECT place{};
+        place.left = LVIR_BOUNDS;
+        SendCtrlMsg(CONTROL_LIST, LVM_GETITEMRECT, static_cast<WPARAM>(line), reinterpret_cast<LPARAM>(&place));
+        return place;
+    }
+
+    RecordList list;
+    int drawn = 0;
+    bool goesOn = false;
+    std::function<void()> beforeColumns;
+    std::function<void()> inInit;
+};
+
+}  // namespace vardel::test

@@ -1,0 +1,385 @@
+#include "tests/desktop/ListFixture.h"
+#include "toolkit/TcGuiTools.h"
+#include "toolkit/UniqueHandle.h"
+
+namespace vardel::test {
+namespace {
+
+std::vector<ListRecord> Records(int count) {
+    std::vector<ListRecord> records(static_cast<std::size_t>(count));
+    for (int at = 0; at < count; ++at) {
+        records[static_cast<std::size_t>(at)].cells[1] = "r" + std::to_string(at);
+        records[static_cast<std::size_t>(at)].cells[2] = "name " + std::to_string(at);
+    }
+    return records;
+}
+
+void AddAll(RecordList& list, std::vector<ListRecord>& records) {
+    std::vector<TcListView::Row> rows;
+    for (ListRecord& record : records) rows.push_back({&record, -1});
+    EXPECT_EQ(list.AddRows(rows), static_cast<int>(records.size()));
+}
+
+TEST(ListView, RowsCarryTheirRecordsAndNoText) {
+    ListDialog dialog;
+    auto records = Records(3);
+    dialog.With([&] {
+        AddAll(dialog.list, records);
+        EXPECT_EQ(dialog.LineCount(), 3);
+        EXPECT_EQ(dialog.RecordOfLine(1), &records[1]);
+        EXPECT_EQ(dialog.TextOfLine(1, 1), "r1");
+        EXPECT_EQ(dialog.TextOfLine(1, 2), "name 1");
+        records[1].cells[2] = "changed";
+        EXPECT_EQ(dialog.TextOfLine(1, 2), "changed") << "asked for when it is needed";
+    });
+}
+
+TEST(ListView, TheRowOfARecordIsFound) {
+    ListDialog dialog;
+    auto records = Records(100);
+    ListRecord stranger;
+    dialog.With([&] {
+        AddAll(dialog.list, records);
+        EXPECT_EQ(dialog.list.RowCount(), 100);
+        EXPECT_EQ(dialog.list.RowOfItem(&records[42]), 42);
+        EXPECT_EQ(dialog.list.ItemOfRow(42), &records[42]);
+        EXPECT_EQ(dialog.list.RowOfItem(&stranger), -1);
+        EXPECT_EQ(dialog.list.ItemOfRow(100), nullptr);
+        EXPECT_EQ(dialog.list.ItemOfRow(-1), nullptr);
+        const int removed[] = {10, 20, 500, -1, 10};
+        dialog.list.RemoveRows(removed);
+        EXPECT_EQ(dialog.list.RowCount(), 98);
+        EXPECT_EQ(dialog.LineCount(), 98);
+        EXPECT_EQ(dialog.list.RowOfItem(&records[10]), -1);
+        EXPECT_EQ(dialog.list.RowOfItem(&records[42]), 40);
+        EXPECT_EQ(dialog.RecordOfLine(40), &records[42]);
+    });
+}
+
+TEST(ListView, ARecordHasOneRow) {
+    ListDialog dialog;
+    ListRecord record;
+    dialog.With([&] {
+        EXPECT_TRUE(dialog.list.AddRow(&record));
+        EXPECT_FALSE(dialog.list.AddRow(&record));
+        EXPECT_FALSE(dialog.list.AddRow(nullptr));
+        EXPECT_EQ(dialog.LineCount(), 1);
+    });
+}
+
+TEST(ListView, TheOrderIsPutAndSelectionAndFocusGoAlong) {
+    ListDialog dialog;
+    auto records = Records(4);
+    dialog.With([&] {
+        AddAll(dialog.list, records);
+        dialog.Select(1, true);
+        const u32 order[] = {3, 2, 1, 0};
+        EXPECT_TRUE(dialog.list.SetOrder(order));
+        EXPECT_EQ(dialog.Lines(), "r3 r2 r1 r0 ");
+        EXPECT_EQ(dialog.list.RowOfItem(&records[3]), 0);
+        EXPECT_EQ(dialog.list.SelectedItems(), (std::vector<void*>{&records[1]}));
+        EXPECT_EQ(dialog.FocusedLine(), 2);
+    });
+}
+
+TEST(ListView, AnOrderThatIsNoneIsRefused) {
+    ListDialog dialog;
+    auto records = Records(3);
+    dialog.With([&] {
+        AddAll(dialog.list, records);
+        for (const std::vector<u32>& order : {std::vector<u32>{0, 1}, {0, 1, 1}, {0, 1, 3}, {0, 1, 2, 2}})
+            EXPECT_FALSE(dialog.list.SetOrder(order));
+        EXPECT_EQ(dialog.Lines(), "r0 r1 r2 ");
+    });
+}
+
+TEST(ListView, AllRowsGoAtOnce) {
+    ListDialog dialog;
+    auto records = Records(5);
+    dialog.With([&] {
+        AddAll(dialog.list, records);
+        dialog.list.RemoveAllRows();
+        EXPECT_EQ(dialog.LineCount(), 0);
+        EXPECT_EQ(dialog.list.RowOfItem(&records[0]), -1);
+        AddAll(dialog.list, records);
+        EXPECT_EQ(dialog.LineCount(), 5);
+    });
+}
+
+TEST(ListView, AllRowsAreSelected) {
+    ListDialog dialog;
+    auto records = Records(5);
+    dialog.With([&] {
+        AddAll(dialog.list, records);
+        dialog.list.SelectAll();
+        EXPECT_EQ(dialog.list.SelectedItems().size(), 5u);
+    });
+}
+
+TEST(ListView, OutlivesItsControlAndServesTheNext) {
+    ListDialog dialog;
+    auto records = Records(2);
+    for (int round = 0; round < 2; ++round) {
+        dialog.With([&] {
+            EXPECT_EQ(dialog.list.RowCount(), 0);
+            AddAll(dialog.list, records);
+        });
+        EXPECT_EQ(dialog.list.GetHwnd(), nullptr);
+        EXPECT_EQ(dialog.list.RowCount(), 0);
+        EXPECT_FALSE(dialog.list.AddRow(&records[0]));
+    }
+}
+
+TEST(ListView, TheControlMayOutliveIt) {
+    ToldDialog dialog(DIALOG_LIST);
+    ListRecord record;
+    dialog.onInit = [&] {
+        {
+            RecordList list;
+            EXPECT_TRUE(list.InitListView(nullptr, dialog.GetControl(CONTROL_LIST)));
+            EXPECT_TRUE(list.AddRow(&record));
+        }
+        dialog.SendCtrlMsg(CONTROL_LIST, LVM_DELETEALLITEMS, 0, 0);
+        dialog.ExitDialog(true);
+    };
+    EXPECT_TRUE(dialog.ShowDialogModal(0));
+}
+
+TEST(ListView, WithoutAControlOnlyTheModuleIsKept) {
+    RecordList list;
+    EXPECT_FALSE(list.InitListView(nullptr, nullptr));
+    EXPECT_FALSE(list.SetHwnd(nullptr));
+    EXPECT_EQ(list.AddColumn("Title", 100), -1);
+    EXPECT_FALSE(list.AddGroup(1, "Group"));
+    EXPECT_TRUE(list.SelectedItems().empty());
+    list.SelectAll();
+    list.RedrawRows();
+    list.RemoveAllRows();
+}
+
+std::string Title(const ListDialog& dialog, int column) {
+    char title[100] = "";
+    LVCOLUMNA told{};
+    told.mask = LVCF_TEXT;
+    told.pszText = title;
+    told.cchTextMax = sizeof title;
+    dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETCOLUMNA, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&told));
+    return title;
+}
+
+TEST(ListView, HeaderTextsComeFromTheModuleAndAnewAfterALanguageChange) {
+    ListDialog dialog;
+    dialog.With([&] {
+        EXPECT_EQ(dialog.list.AddColumn(TEXT_FIRST_COLUMN, 100), 3);
+        EXPECT_EQ(Title(dialog, 3), "IP - Address");
+        LVCOLUMNA column{};
+        char other[] = "other";
+        column.mask = LVCF_TEXT;
+        column.pszText = other;
+        for (const int at : {1, 3})
+            dialog.SendCtrlMsg(CONTROL_LIST, LVM_SETCOLUMNA, static_cast<WPARAM>(at), reinterpret_cast<LPARAM>(&column));
+        EXPECT_TRUE(dialog.list.InitListView(nullptr, dialog.Control()));
+        EXPECT_EQ(Title(dialog, 3), "IP - Address");
+        EXPECT_EQ(Title(dialog, 1), "other") << "a title that was given is not the language's";
+        EXPECT_EQ(dialog.list.ColumnCount(), 4);
+    });
+}
+
+TEST(ListView, AColumnIsFittedToItsWidestText) {
+    ListDialog dialog;
+    auto records = Records(3);
+    records[1].cells[1] = "a considerably longer text";
+    const auto textOf = [](void* item, TcString& text) {
+        text = static_cast<ListRecord*>(item)->cells[1].c_str();
+        return true;
+    };
+    dialog.With([&] {
+        AddAll(dialog.list, records);
+        dialog.list.FitColumn(1, 16, textOf);
+        const WindowDc dc(nullptr);
+        const Selected font(dc.Get(), GetStockObject(DEFAULT_GUI_FONT));
+        SIZE size{};
+        GetTextExtentPoint32A(dc.Get(), records[1].cells[1].c_str(), static_cast<int>(records[1].cells[1].size()), &size);
+        EXPECT_EQ(dialog.list.ColumnWidth(1), size.cx + 16);
+        dialog.list.FitColumn(1, 16, [](void*, TcString&) { return false; });
+        const int byHeader = dialog.list.ColumnWidth(1);
+        dialog.list.SetColumnWidth(1, 5);
+        dialog.SendCtrlMsg(CONTROL_LIST, LVM_SETCOLUMNWIDTH, 1, LVSCW_AUTOSIZE_USEHEADER);
+        EXPECT_EQ(dialog.list.ColumnWidth(1), byHeader);
+    });
+}
+
+TEST(ListView, EveryTextIsFetchedWhenItIsDrawn) {
+    ListDialog dialog;
+    Steps steps;
+    auto records = Records(2);
+    dialog.goesOn = true;
+    dialog.inInit = [&] {
+        AddAll(dialog.list, records);
+        steps.Then([&] {
+                 UpdateWindow(dialog.Control());
+                 dialog.list.asked = dialog.drawn = 0;
+                 dialog.list.RedrawRows();
+             })
+            .Then([&] {
+                EXPECT_EQ(dialog.drawn, 2);
+                EXPECT_EQ(dialog.list.asked, 6) << "each cell once";
+                EXPECT_EQ(GetFocus(), dialog.Control());
+                dialog.ExitDialog(true);
+            });
+    };
+    dialog.ShowDialogModal(0);
+}
+
+// Shows the records and hands the picture to `look`.
+void Look(std::vector<ListRecord>& records, const std::function<void(ListDialog&, const Canvas&)>& look,
+          const std::function<void(ListDialog&)>& prepare = {}) {
+    ListDialog dialog;
+    Steps steps;
+    dialog.goesOn = true;
+    UniqueIcon green(TcGuiTools::LoadSizedIcon(nullptr, ICON_GREEN, 16));
+    const HIMAGELIST images = ImageList_Create(16, 16, ILC_COLOR32 | ILC_MASK, 1, 1);
+    ImageList_ReplaceIcon(images, -1, green.Get());
+    dialog.inInit = [&] {
+        dialog.SendCtrlMsg(CONTROL_LIST, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images));
+        dialog.SendCtrlMsg(CONTROL_LIST, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_GRIDLINES, 0);
+        AddAll(dialog.list, records);
+        if (prepare) prepare(dialog);
+        steps.Then([&] { SetFocus(dialog.Control()); })
+            .Then([&] { dialog.list.RedrawRows(); })
+            .Then([&] { look(dialog, *dialog.Picture()); })
+            .Then([&] { dialog.ExitDialog(true); });
+    };
+    dialog.ShowDialogModal(0);
+    ImageList_Destroy(images);
+}
+
+TEST(ListView, ARowHasTheColourItsRecordCallsFor) {
+    auto records = Records(2);
+    records[0].color = RGB(180, 0, 0);
+    records[0].cells[1] = records[1].cells[1] = "IIIIIIII";
+    Look(records, [](ListDialog& dialog, const Canvas& canvas) {
+        EXPECT_GT(canvas.Count(RGB(180, 0, 0), dialog.PlaceOfLine(0)), 0);
+        EXPECT_EQ(canvas.Count(RGB(180, 0, 0), dialog.PlaceOfLine(1)), 0);
+        EXPECT_GT(canvas.Count(kListTextColor, dialog.PlaceOfLine(1)), 0);
+        EXPECT_EQ(canvas.Count(kListTextColor, dialog.PlaceOfLine(0)), 0);
+    });
+}
+
+TEST(ListView, ACellHasItsPicture) {
+    auto records = Records(2);
+    records[0].image = 0;
+    Look(records, [](ListDialog& dialog, const Canvas& canvas) {
+        const COLORREF green = RGB(0x2a, 0x9d, 0x3a);
+        RECT cell = dialog.PlaceOfLine(0);
+        cell.right = 25;
+        EXPECT_GT(canvas.Count(green, cell), 80);
+        EXPECT_EQ(canvas.Count(green, dialog.PlaceOfLine(1)), 0);
+    });
+}
+
+TEST(ListView, ASelectedRowIsLitWithOrWithoutItsFirstColumn) {
+    for (const bool withFirst : {true, false}) {
+        auto records = Records(2);
+        Look(
+            records,
+            [&](ListDialog& dialog, const Canvas& canvas) {
+                const COLORREF light = GetSysColor(COLOR_HIGHLIGHT);
+                const auto middle = static_cast<int>(dialog.PlaceOfLine(0).top + 4);
+                EXPECT_EQ(canvas.At(10, middle) == light, withFirst);
+                EXPECT_EQ(canvas.At(200, middle), light);
+                EXPECT_NE(canvas.At(200, static_cast<int>(dialog.PlaceOfLine(1).top + 4)), light);
+            },
+            [&](ListDialog& dialog) {
+                dialog.list.SetSelectFirstColumn(withFirst);
+                dialog.Select(0);
+            });
+    }
+}
+
+TEST(ListView, ATextOfSeveralLinesIsDrawnInOne) {
+    auto records = Records(1);
+    records[0].cells[1] = "one\r\n\ttwo";
+    Look(records, [&](ListDialog&, const Canvas&) { EXPECT_EQ(records[0].cells[1], "one\r\n\ttwo") << "a copy is drawn"; });
+}
+
+TEST(ListView, ALongTextIsCutForTheControlBetweenCharacters) {
+    ListDialog dialog;
+    auto records = Records(1);
+    records[0].cells[1] = std::string(70000, 'x');
+    dialog.With([&] {
+        AddAll(dialog.list, records);
+        EXPECT_EQ(dialog.TextOfLine(0, 1), std::string(259, 'x'));
+    });
+}
+
+TEST(ListView, RowsAreHighEnoughForPictureAndText) {
+    ListDialog dialog;
+    auto records = Records(1);
+    dialog.With([&] {
+        AddAll(dialog.list, records);
+        const RECT place = dialog.PlaceOfLine(0);
+        EXPECT_GE(place.bottom - place.top, TcGuiTools::Scaled(17));
+        MEASUREITEMSTRUCT menu{};
+        menu.CtlType = ODT_MENU;
+        EXPECT_FALSE(dialog.list.OnMeasureItem(&menu));
+        EXPECT_FALSE(dialog.list.OnMeasureItem(nullptr));
+        EXPECT_FALSE(dialog.list.OnDrawItem(nullptr));
+    });
+}
+
+TEST(ListView, AControlThatDoesNotAskForItIsOwnerDrawnAllTheSame) {
+    ToldDialog dialog(DIALOG_RESIZABLE);
+    RecordList list;
+    dialog.onInit = [&] {
+        EXPECT_TRUE(list.InitListView(nullptr, dialog.GetControl(CONTROL_LIST)));
+        EXPECT_TRUE(GetWindowLongPtrA(dialog.GetControl(CONTROL_LIST), GWL_STYLE) & LVS_OWNERDRAWFIXED);
+        dialog.ExitDialog(true);
+    };
+    dialog.ShowDialogModal(0);
+}
+
+TEST(ListView, TheRecordUnderACursorIsFound) {
+    auto records = Records(3);
+    Look(records, [&](ListDialog& dialog, const Canvas&) {
+        const RECT place = dialog.PlaceOfLine(2);
+        POINT inside{place.left + 60, place.top + 3};
+        POINT below{place.left + 60, place.bottom + 40};
+        ClientToScreen(dialog.Control(), &inside);
+        ClientToScreen(dialog.Control(), &below);
+        EXPECT_EQ(dialog.list.ItemAtPoint(inside), &records[2]);
+        EXPECT_EQ(dialog.list.ItemAtPoint(below), nullptr);
+    });
+}
+
+// Processor time of this thread so far.
+double ThreadSeconds() {
+    FILETIME made{}, ended{}, kernel{}, user{};
+    GetThreadTimes(GetCurrentThread(), &made, &ended, &kernel, &user);
+    return (static_cast<double>(kernel.dwLowDateTime) + static_cast<double>(user.dwLowDateTime)) / 1e7;
+}
+
+double SecondsToFillAndSort(int count) {
+    ListDialog dialog;
+    auto records = Records(count);
+    double seconds = 0;
+    dialog.With([&] {
+        const double begin = ThreadSeconds();
+        AddAll(dialog.list, records);
+        std::vector<u32> order(records.size());
+        for (u32 at = 0; at < order.size(); ++at) order[at] = static_cast<u32>(order.size()) - 1 - at;
+        EXPECT_TRUE(dialog.list.SetOrder(order));
+        EXPECT_EQ(dialog.RecordOfLine(0), &records.back());
+        seconds = ThreadSeconds() - begin;
+    });
+    return seconds;
+}
+
+TEST(ListView, FillingAndSortingTakeTimeLinearInTheRows) {
+    const double few = SecondsToFillAndSort(4000);
+    // Four times as many rows; a search for each would take sixteen times as long.
+    EXPECT_LT(SecondsToFillAndSort(16000), 9 * few + 0.1);
+}
+
+}  // namespace
+}  // namespace vardel::test
