@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "frame/HostTable.h"
+#include "platform/CodePage.h"
 
 namespace vardel {
 
@@ -55,7 +56,7 @@ void AlertLines::Tell(const char* text) {
     for (bool more = true, first = true; more; first = false) {
         const std::size_t end = rest.find('\n');
         more = end != std::string_view::npos;
-        lines += (first ? "Alert: " : "    ") + PrintableText(WithoutTab(rest.substr(0, end))) + "\n";
+        lines += (first ? "Alert: " : "    ") + PrintableText(WithoutTab(rest.substr(0, end)), OutputTakesUtf8()) + "\n";
         rest.remove_prefix(more ? end + 1 : rest.size());
     }
     std::fwrite(lines.data(), 1, lines.size(), output_);

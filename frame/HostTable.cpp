@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdio>
 
+#include "platform/CodePage.h"
+
 namespace vardel {
 
 namespace {
@@ -26,7 +28,15 @@ constexpr std::array<Column, 8> kColumns = {{
 
 std::string Printable(const TcString& text) {
     const TcString own(text);
-    return PrintableText({own.GetContent(), static_cast<std::size_t>(own.GetLength())});
+    return PrintableText({own.GetContent(), static_cast<std::size_t>(own.GetLength())}, OutputTakesUtf8());
+}
+
+// Of Latin-1 beyond ASCII: controls stand below, the hyphen isn't drawn.
+constexpr unsigned char kFirstVisible = 0xA1, kSoftHyphen = 0xAD;
+
+// Characters of a printable text, which may be in UTF-8.
+std::size_t Width(std::string_view text) {
+    return static_cast<std::size_t>(std::ranges::count_if(text, [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
 // The address's 32 bits; a text that isn't four decimal octets sorts first.
@@ -49,13 +59,18 @@ HostRow RowOf(const HostRecord& host) {
 
 }  // namespace
 
-std::string PrintableText(std::string_view text) {
+std::string PrintableText(std::string_view text, bool inUtf8) {
     std::string out;
     out.reserve(text.size());
     for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
         if (byte >= 0x20 && byte < 0x7f) {
             out += character;
+            continue;
+        }
+        if (inUtf8 && byte >= kFirstVisible && byte != kSoftHyphen) {
+            out += static_cast<char>(0xC0 | byte >> 6);
+            out += static_cast<char>(0x80 | (byte & 0x3F));
             continue;
         }
         char escaped[5];
@@ -89,14 +104,14 @@ std::string FormatHostTable(const std::vector<HostRow>& rows) {
     std::array<std::size_t, kColumns.size()> widths{};
     for (std::size_t i = 0; i < kColumns.size(); ++i) {
         widths[i] = std::string_view(kColumns[i].heading).size();
-        for (const HostRow& row : rows) widths[i] = std::max(widths[i], (row.*kColumns[i].field).size());
+        for (const HostRow& row : rows) widths[i] = std::max(widths[i], Width(row.*kColumns[i].field));
     }
     std::string out;
     const auto addLine = [&](auto&& cell) {
         std::string line;
         for (std::size_t i = 0; i < kColumns.size(); ++i) {
             const std::string text = cell(kColumns[i]);
-            line += text + std::string(widths[i] - text.size() + 2, ' ');
+            line += text + std::string(widths[i] - Width(text) + 2, ' ');
         }
         line.erase(line.find_last_not_of(' ') + 1);
         out += line + "\n";

@@ -12,8 +12,9 @@
 
 namespace vardel {
 
-// Bytes other than the visible ASCII characters and the blank become "\xNN".
-std::string PrintableText(std::string_view text);
+// Bytes other than the visible ASCII characters and the blank become "\xNN". For who reads UTF-8, so do all but the
+// visible characters of Latin-1: no letter steers a terminal, and the texts of other languages need them.
+std::string PrintableText(std::string_view text, bool inUtf8 = false);
 
 // One row of the host table, already printable.
 struct HostRow {

@@ -1,6 +1,7 @@
 #include "frame/RunReport.h"
 
 #include "frame/HostTable.h"
+#include "platform/CodePage.h"
 #include "watchers/EventLogFile.h"
 
 namespace vardel {
@@ -16,7 +17,7 @@ void RunReport::PrintNewEvents(const VardelData& data) {
             if (!node->Value()) continue;
             std::string line = FormEventLine(*node->Value(), data);
             if (line.ends_with('\n')) line.pop_back();
-            lines += PrintableText(line) + "\n";
+            lines += PrintableText(line, OutputTakesUtf8()) + "\n";
         }
     }
     if (lines.empty()) return;

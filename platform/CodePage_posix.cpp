@@ -1,5 +1,11 @@
 #include "platform/CodePage.h"
 
+#include <strings.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <initializer_list>
+
 namespace vardel {
 
 namespace {
@@ -19,6 +25,18 @@ constexpr unsigned char Lower(unsigned char c) {
 void LowerInCodePage(char* text, std::size_t length) {
     for (std::size_t i = 0; i < length; ++i)
         text[i] = static_cast<char>(Lower(static_cast<unsigned char>(text[i])));
+}
+
+// The first of these that is set is the one that counts (POSIX, 8.2 Internationalization Variables). What stands behind
+// the dot is the character set, which some write without the hyphen.
+bool OutputTakesUtf8() {
+    for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        const char* locale = std::getenv(name);
+        if (!locale || !*locale) continue;
+        const char* set = std::strchr(locale, '.');
+        return set && (strncasecmp(set, ".utf-8", 6) == 0 || strncasecmp(set, ".utf8", 5) == 0);
+    }
+    return false;
 }
 
 }  // namespace vardel

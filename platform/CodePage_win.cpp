@@ -8,4 +8,6 @@ void LowerInCodePage(char* text, std::size_t length) {
     if (length) CharLowerBuffA(text, static_cast<DWORD>(length));
 }
 
+bool OutputTakesUtf8() { return false; }
+
 }  // namespace vardel

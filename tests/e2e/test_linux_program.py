@@ -90,6 +90,19 @@ class InterfaceTest(LinuxProgramCase):
         )
         self.assertEqual(run.hosts()["10.77.0.62"]["MAC"], lan.injector.mac)
 
+    def test_speaks_the_language_of_its_settings(self):
+        lan = self.make_lan()
+        for name, language, started, ended in (
+            ("german", "Deutsch", "Vardelwatch wurde gestartet", "Vardelwatch wurde beendet"),
+            ("french", "Fran\xe7ais", "Vardelwatch a d\xe9marr\xe9", "Vardelwatch s'est arr\xeat\xe9"),
+        ):
+            run = self.make_run(lan, {"Language": language}, name).start(environment={"LC_ALL": "C.UTF-8"})
+            utf8 = started.encode("utf-8").decode("latin-1")  # as the output's bytes are read
+            run.wait_for(utf8)
+            self.assert_ended_well(run)
+            events = [event.event for event in run.log_events()]
+            self.assertEqual((events[0], events[-1]), (started, ended))
+
     def test_without_an_adapter_tells_so_and_fails(self):
         lan = self.make_lan()
         run = self.make_run(lan).start(through=["/usr/bin/python3", "-B", REFUSE_ADAPTER_LIST])

@@ -175,13 +175,14 @@ class LinuxRun(_Run):
         self.settings_path = os.path.join(self.environment["XDG_CONFIG_HOME"], "vardelwatch", "settings.reg")
         self.log_path = os.path.join(self.environment["XDG_DATA_HOME"], LOG_NAME)
 
-    def start(self, through=(), output_prefix=""):
-        """`through` is a command that runs the program given behind it."""
+    def start(self, through=(), output_prefix="", environment=None):
+        """`through` is a command that runs the program given behind it; `environment` adds to the program's."""
         self._output_prefix = output_prefix
         with open(self._path("stdout"), "wb") as output, open(self._path("stderr"), "wb") as errors:
             self._child = self.namespace.start(
                 [*through, LINUX_PROGRAM],
-                env={**os.environ, **self.environment, "HOME": self.folder},
+                # The output as both programs give it, whatever the locale of who runs the tests.
+                env={**os.environ, "LC_ALL": "C", **self.environment, "HOME": self.folder, **(environment or {})},
                 stdin=subprocess.DEVNULL,
                 stdout=output,
                 stderr=errors,

@@ -28,6 +28,22 @@ TEST(PrintableText, EscapesWhatCouldSteerATerminal) {
     EXPECT_EQ(PrintableText(std::string_view("a\0b", 3)), "a\\x00b");
 }
 
+TEST(PrintableText, KeepsLettersForWhoReadsUtf8AndNothingElse) {
+    EXPECT_EQ(PrintableText("H\xf4te \xdc" "ber \xa1", true), "H\xc3\xb4te \xc3\x9c" "ber \xc2\xa1");
+    EXPECT_EQ(PrintableText("\x1b\x7f\x80\x9b\x9f\xa0\xad", true), "\\x1b\\x7f\\x80\\x9b\\x9f\\xa0\\xad");
+}
+
+TEST(FormatHostTable, AlignsColumnsByCharactersNotBytes) {
+    HostRow accented{}, plain{};
+    accented.name = "h\xc3\xb4te";
+    plain.name = "h4te";
+    accented.os = plain.os = "os";
+    std::string table = FormatHostTable({accented, plain});
+    table.erase(0, table.find('\n') + 1);
+    const std::string first = table.substr(0, table.find('\n')), second = table.substr(table.find('\n') + 1);
+    EXPECT_EQ(first.find("os"), second.find("os") + 1) << table;
+}
+
 TEST_F(HostTableTest, AnEmptyTableIsItsHeadingAlone) {
     EXPECT_EQ(FormatHostTable(CollectHosts(data)), "IP  MAC  Vendor  Name  Device  OS  Trust  Last seen\n");
 }
