@@ -1,7 +1,7 @@
 #include "views/HostCells.h"
 
+#include <algorithm>
 #include <array>
-#include <cstdio>
 #include <cstring>
 
 #include "resources/ResourceIds.h"
@@ -67,21 +67,6 @@ int CompareIgnoringCase(const TcString& first, const TcString& second) {
     return Sign(std::strcmp(left, right));
 }
 
-// Each number filled up to three digits, so that texts sort as numbers do.
-void FillUp(const TcString& ip, char (&text)[64]) {
-    const TcString own(ip);
-    int octets[4] = {};
-    std::sscanf(own.GetContent(), "%9d.%9d.%9d.%9d", &octets[0], &octets[1], &octets[2], &octets[3]);
-    std::snprintf(text, sizeof text, "%03d.%03d.%03d.%03d", octets[0], octets[1], octets[2], octets[3]);
-}
-
-int CompareAddresses(const TcString& first, const TcString& second) {
-    char left[64], right[64];
-    FillUp(first, left);
-    FillUp(second, right);
-    return Sign(std::strcmp(left, right));
-}
-
 }  // namespace
 
 const HostColumnForm& FormOf(HostColumn column) { return kColumns[static_cast<std::size_t>(column)]; }
@@ -103,16 +88,16 @@ TcString ShownName(const HostRecord& host) {
 
 TcString KnownVendor(const HostRecord& host) { return host.vendorUnknown ? TcString() : TcString(host.vendor); }
 
-TcString ShownInformation(const HostRecord& host, const VardelData& data) {
+TcString ShownInformation(const HostRecord& host, const VardelData& data, ModuleHandle language) {
     if (host.wmiOsKnown || host.osFromBrowse) return host.os;
     const InspectionForm* form = FormOf(host.wmiStatus.Get());
     if (!form) return " ";
     char text[kTextSize];
-    data.LoadText(form->textId, text, sizeof text);
+    data.services.strings.Load(language, form->textId, text, sizeof text);
     return text;
 }
 
-TcString HostCellText(const HostRecord& host, HostColumn column, const VardelData& data) {
+TcString HostCellText(const HostRecord& host, HostColumn column, const VardelData& data, ModuleHandle language) {
     switch (column) {
         case HostColumn::Trust: break;
         case HostColumn::Ip: return host.ip;
@@ -120,7 +105,7 @@ TcString HostCellText(const HostRecord& host, HostColumn column, const VardelDat
         case HostColumn::LastPacket: return host.lastSeenText;
         case HostColumn::Name: return ShownName(host);
         case HostColumn::Vendor: return host.vendor;
-        case HostColumn::Information: return ShownInformation(host, data);
+        case HostColumn::Information: return ShownInformation(host, data, language);
     }
     return {};
 }
@@ -162,13 +147,30 @@ bool IsHostStale(i64 lastSeen, i64 now, u32 grayTimeMinutes) {
     return lastSeen > 0 && now - lastSeen > kSecondsOfAMinute * grayTimeMinutes;
 }
 
+u64 AddressSortKey(const TcString& ip) {
+    constexpr u64 kLargest = 0xffff;
+    const TcString own(ip);
+    const char* at = own.GetContent();
+    u64 key = 0;
+    for (int octet = 0; octet < 4; ++octet) {
+        u64 number = 0;
+        for (; *at >= '0' && *at <= '9'; ++at) number = std::min(number * 10 + static_cast<u64>(*at - '0'), kLargest);
+        key = key << 16 | number;
+        if (*at == '.') ++at;
+    }
+    return key;
+}
+
 int CompareHosts(const HostRecord& first, const HostRecord& second, HostColumn column) {
     switch (column) {
         case HostColumn::Trust: {
             const u32 left = static_cast<u32>(first.trustState.Get()), right = static_cast<u32>(second.trustState.Get());
             return (left > right) - (left < right);
         }
-        case HostColumn::Ip: return CompareAddresses(first.ip, second.ip);
+        case HostColumn::Ip: {
+            const u64 left = AddressSortKey(first.ip), right = AddressSortKey(second.ip);
+            return (left > right) - (left < right);
+        }
         case HostColumn::Mac: return CompareIgnoringCase(first.mac, second.mac);
         case HostColumn::LastPacket: return CompareIgnoringCase(first.lastSeenText, second.lastSeenText);
         // Wanted: the host's own name, also where the cell prefers another.

@@ -26,11 +26,11 @@ TcString ShownName(const HostRecord& host);
 // The vendor, or nothing while it isn't known, whatever the record holds.
 TcString KnownVendor(const HostRecord& host);
 
-// The operating system, or how the remote inspection went, or one blank.
-TcString ShownInformation(const HostRecord& host, const VardelData& data);
+// The operating system, or how the remote inspection went, or one blank. `language`: the module of the view's texts.
+TcString ShownInformation(const HostRecord& host, const VardelData& data, ModuleHandle language);
 
 // The cell's text; the trust column has none.
-TcString HostCellText(const HostRecord& host, HostColumn column, const VardelData& data);
+TcString HostCellText(const HostRecord& host, HostColumn column, const VardelData& data, ModuleHandle language);
 
 // Place in the view's image list; -1: none.
 int HostCellIcon(const HostRecord& host, HostColumn column);
@@ -58,6 +58,9 @@ i32 TurnFilter(i32 filter, i32 bit);
 
 // Whether a host that is not grey yet becomes so. Times are seconds since 1970.
 bool IsHostStale(i64 lastSeen, i64 now, u32 grayTimeMinutes);
+
+// A number that sorts as the address does: each of its four numbers formatted with three digits.
+u64 AddressSortKey(const TcString& ip);
 
 // Below 0, 0 or above 0: how two hosts stand to each other in ascending order of the column.
 int CompareHosts(const HostRecord& first, const HostRecord& second, HostColumn column);

@@ -16,7 +16,7 @@ struct HostCells : testing::Test {
         system.strings.texts = {
             {92, "Access denied"}, {93, "Access blocked"}, {157, "No administrative Account available"}};
     }
-    std::string Text(HostColumn column) { return HostCellText(host, column, data).GetContent(); }
+    std::string Text(HostColumn column) { return HostCellText(host, column, data, nullptr).GetContent(); }
     test::TestServices system;
     VardelData data{system.services};
     HostRecord host;
@@ -95,6 +95,14 @@ TEST_F(HostCells, InformationIsTheSystemOrHowTheInspectionWent) {
     host.osFromBrowse = 0;
     host.wmiOsKnown = 1;
     EXPECT_EQ(Text(HostColumn::Information), "Windows XP");
+}
+
+TEST_F(HostCells, TextsComeFromTheViewsLanguage) {
+    int module = 0;
+    const auto language = reinterpret_cast<ModuleHandle>(&module);
+    host.wmiStatus = 100;
+    HostCellText(host, HostColumn::Information, data, language);
+    EXPECT_EQ(system.strings.lastModule, language);
 }
 
 TEST_F(HostCells, TheTrustIconIsGreyWhileTheHostIs) {
