@@ -5,7 +5,7 @@
 #include <new>
 
 #include "capture/Vardel.h"
-#include "frame/HiddenWindowFrame.h"
+#include "frame/VardelGui.h"
 #include "platform/WindowsApi.h"
 
 using namespace vardel;
@@ -24,7 +24,7 @@ std::FILE* GivenOutput() {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPSTR commandLine, int showState) {
-    HiddenWindowFrame frame(GivenOutput());
+    VardelGui frame(GivenOutput());
     auto* app = new (std::nothrow) Vardel(SystemServices(), frame);
     if (!app) return kExitCode;
     app->MainInit(reinterpret_cast<ModuleHandle>(instance), reinterpret_cast<ModuleHandle>(previous), commandLine,

@@ -39,4 +39,6 @@ bool OutputTakesUtf8() {
     return false;
 }
 
+std::size_t WholeCharacters(std::string_view text, std::size_t limit) { return std::min(text.size(), limit); }
+
 }  // namespace vardel

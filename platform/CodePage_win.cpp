@@ -10,4 +10,9 @@ void LowerInCodePage(char* text, std::size_t length) {
 
 bool OutputTakesUtf8() { return false; }
 
+std::size_t WholeCharacters(std::string_view text, std::size_t limit) {
+    if (GetACP() == CP_UTF8) return WholeCharactersOfUtf8(text, limit);
+    return WholeCharactersOf(text, limit, [](unsigned char byte) { return IsDBCSLeadByte(byte) != FALSE; });
+}
+
 }  // namespace vardel

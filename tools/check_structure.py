@@ -15,7 +15,9 @@ FLOORS = {"resources": 0, "platform": 1, "foundation": 2, "settings": 3, "toolki
           "updates": 6, "views": 6, "settings_ui": 6, "frame": 7, "app": 8}
 # Where the system's own header and macro may stand.
 SYSTEM_PLACES = re.compile(r"^(platform/\w+_win\.(cpp|h)|platform/WindowsApi\.h|frame/\w+_win\.cpp|"
-                           r"frame/HiddenWindowFrame\.h|toolkit/.*|views/\w+_win\.cpp|languages/\w+_win\.cpp|app/.*|tools/(wine_packet|post_command|show_templates)/.*|"
+                           r"frame/(AboutBox|ShellTrayIcon|TrayMenus|VardelGui|VardelNotifyWnd)\.h|"
+                           r"toolkit/.*|views/(\w+_win\.cpp|VardelView\w+\.h)|languages/\w+_win\.cpp|app/.*|"
+                           r"tools/(wine_packet|post_command|show_templates)/.*|"
                            r"tests/(unit/.*_win|support/\w+_win|wmi/\w+|desktop/\w+)\.(cpp|h)|bench/.*)$")
 SYSTEM_WORDS = re.compile(r"\b_WIN32\b|<windows\.h>|platform/WindowsApi\.h")
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
