@@ -25,6 +25,7 @@ std::unique_ptr<SambaClient> Load() {
         Resolve(library, "smbc_init_context", client->initContext) &&
         Resolve(library, "smbc_free_context", client->freeContext) &&
         Resolve(library, "smbc_setTimeout", client->setTimeout) &&
+        Resolve(library, "smbc_setPort", client->setPort) &&
         Resolve(library, "smbc_setDebug", client->setDebug) &&
         Resolve(library, "smbc_setLogCallback", client->setLogCallback) &&
         Resolve(library, "smbc_setFunctionAuthDataWithContext", client->setAuthentication) &&

@@ -13,6 +13,7 @@ struct SambaClient {
     decltype(&::smbc_init_context) initContext;
     decltype(&::smbc_free_context) freeContext;
     decltype(&::smbc_setTimeout) setTimeout;
+    decltype(&::smbc_setPort) setPort;
     decltype(&::smbc_setDebug) setDebug;
     decltype(&::smbc_setLogCallback) setLogCallback;
     decltype(&::smbc_setFunctionAuthDataWithContext) setAuthentication;

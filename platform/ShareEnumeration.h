@@ -2,9 +2,9 @@
 //
 // Asking goes over the network and may block for as long as the system wants. Called from one thread at a time.
 //
-// Linux asks through Samba's client library, as a guest, at most some ten seconds a host. That library gives name,
-// type and remark; permissions, use counts and path stay 0 and empty there, and all shares come in one answer. The
-// library is loaded when the first host is asked; where it isn't installed every host counts as refusing.
+// Linux asks through Samba's client library, as a guest, on port 445, at most some ten seconds for each step. That
+// library gives name, type and remark; permissions, use counts and path stay 0 and empty there, and all shares come
+// in one answer. It is loaded when the first host is asked; where it isn't installed every host counts as refusing.
 #pragma once
 
 #include <string>

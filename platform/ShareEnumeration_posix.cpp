@@ -14,6 +14,9 @@ namespace vardel {
 namespace {
 
 constexpr int kTimeoutMs = 10000;
+// Left to itself the library first tries NetBIOS, where it waits 20 s for a server that accepts and never answers,
+// whatever its time-out is: longer than the end of a run waits for its threads.
+constexpr u16 kSmbPort = 445;
 constexpr char kServerMark[] = "\\\\";
 // The share type words (STYPE_DISKTREE and so on).
 constexpr u32 kDiskType = 0, kPrintQueueType = 1, kDeviceType = 2, kIpcType = 3;
@@ -70,6 +73,7 @@ class Connection {
         client_.setLogCallback(context_, nullptr, &KeepSilent);
         client_.setDebug(context_, 0);
         client_.setTimeout(context_, kTimeoutMs);
+        client_.setPort(context_, kSmbPort);
         client_.setAuthentication(context_, &GiveNoPassword);
         ready_ = client_.initContext(context_) != nullptr;
     }

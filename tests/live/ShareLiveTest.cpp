@@ -1,5 +1,8 @@
 // The share scan of a real server.
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
@@ -18,6 +21,30 @@ namespace vardel::test {
 namespace {
 
 constexpr char kServer[] = "\\\\127.0.0.1";
+// A program that ends waits 15 s for its threads.
+constexpr double kLongestAnswerSeconds = 14;
+
+// Listens on a port of loopback; nobody ever reads what connects.
+class MuteServer {
+  public:
+    explicit MuteServer(u16 port) : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
+        const int on = 1;
+        setsockopt(socket_, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(port);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        listens_ = bind(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 && listen(socket_, 16) == 0;
+    }
+    ~MuteServer() { close(socket_); }
+    MuteServer(const MuteServer&) = delete;
+    MuteServer& operator=(const MuteServer&) = delete;
+    bool Listens() const { return listens_; }
+
+  private:
+    const int socket_;
+    bool listens_ = false;
+};
 
 class ShareLive : public testing::Test {
   protected:
@@ -85,6 +112,17 @@ TEST_F(ShareLive, HostWithoutAServerRefuses) {
     EXPECT_NE(Ask(), kAllShares);
     EXPECT_TRUE(found.empty());
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
+}
+
+TEST_F(ShareLive, ServerThatAcceptsAndNeverAnswersIsGivenUp) {
+    const MuteServer direct(445), overNetBios(139);
+    ASSERT_TRUE(direct.Listens() && overNetBios.Listens());
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_NE(Ask(), kAllShares);
+    EXPECT_TRUE(found.empty());
+    const auto seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    EXPECT_GT(seconds, 5) << "it was not waited for";
+    EXPECT_LT(seconds, kLongestAnswerSeconds);
 }
 
 TEST_F(ShareLive, ScanFindsThreeSharesThenNoneThenTheOneThatWasAdded) {
