@@ -27,26 +27,6 @@ namespace {
 
 constexpr i64 kWeek = 604800;
 
-// Puts both capture modules, complete, into the test's system.
-void Install(const CaptureEntryPoints& entries, test::ScriptedCaptureModules& modules) {
-    modules.modules = {"wpcap.dll", "packet.dll"};
-    const auto put = [&](const char* name, auto* function) {
-        modules.entryPoints[name] = reinterpret_cast<void*>(function);
-    };
-    put("wpcap.dll!pcap_findalldevs_ex", entries.findalldevs_ex);
-    put("wpcap.dll!pcap_freealldevs", entries.freealldevs);
-    put("wpcap.dll!pcap_close", entries.close);
-    put("wpcap.dll!pcap_next_ex", entries.next_ex);
-    put("wpcap.dll!pcap_setfilter", entries.setfilter);
-    put("wpcap.dll!pcap_compile", entries.compile);
-    put("wpcap.dll!pcap_datalink", entries.datalink);
-    put("wpcap.dll!pcap_open", entries.open);
-    put("packet.dll!PacketGetVersion", entries.PacketGetVersion);
-    put("packet.dll!PacketCloseAdapter", entries.PacketCloseAdapter);
-    put("packet.dll!PacketRequest", entries.PacketRequest);
-    put("packet.dll!PacketOpenAdapter", entries.PacketOpenAdapter);
-}
-
 // A frame whose user does `whileItRuns` and then leaves.
 class ScriptedFrame : public VardelFrame {
   public:
@@ -80,7 +60,7 @@ struct MainRunTest : testing::Test {
         TheEventMap().Clear();
         capture.devices = {{.name = "lan0"}};
         capture.onExhausted = [] { std::this_thread::sleep_for(std::chrono::milliseconds(5)); };
-        Install(capture.EntryPoints(), system.captureModules);
+        test::InstallCapture(capture.EntryPoints(), system.captureModules);
         threads.functions = {{&SnifferThread, "SnifferThread"},
                              {&FileSharingThread, "FileSharingThread"},
                              {&WMIThread, "WMIThread"},

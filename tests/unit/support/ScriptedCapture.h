@@ -10,6 +10,7 @@
 
 #include "platform/CaptureLibrary.h"
 #include "tests/unit/support/Frames.h"
+#include "tests/unit/support/TestServices.h"
 
 namespace vardel::test {
 
@@ -195,5 +196,25 @@ class ScriptedCapture {
     pcap_pkthdr header_{};
     Frame frame_;
 };
+
+// Puts both capture modules, complete, into the test's system.
+inline void InstallCapture(const CaptureEntryPoints& entries, ScriptedCaptureModules& modules) {
+    modules.modules = {"wpcap.dll", "packet.dll"};
+    const auto put = [&](const char* name, auto* function) {
+        modules.entryPoints[name] = reinterpret_cast<void*>(function);
+    };
+    put("wpcap.dll!pcap_findalldevs_ex", entries.findalldevs_ex);
+    put("wpcap.dll!pcap_freealldevs", entries.freealldevs);
+    put("wpcap.dll!pcap_close", entries.close);
+    put("wpcap.dll!pcap_next_ex", entries.next_ex);
+    put("wpcap.dll!pcap_setfilter", entries.setfilter);
+    put("wpcap.dll!pcap_compile", entries.compile);
+    put("wpcap.dll!pcap_datalink", entries.datalink);
+    put("wpcap.dll!pcap_open", entries.open);
+    put("packet.dll!PacketGetVersion", entries.PacketGetVersion);
+    put("packet.dll!PacketCloseAdapter", entries.PacketCloseAdapter);
+    put("packet.dll!PacketRequest", entries.PacketRequest);
+    put("packet.dll!PacketOpenAdapter", entries.PacketOpenAdapter);
+}
 
 }  // namespace vardel::test
