@@ -8,8 +8,8 @@ import soak_traffic
 
 # What a host and an event cost at the most, their places in tables, lists, log and reports included (memory_bench
 # tells the plain figures), and what an allocator may take beside them.
-BYTES_EACH_HOST = 8 * 1024
-BYTES_EACH_EVENT = 1024
+BYTES_EACH_HOST = 4 * 1024
+BYTES_EACH_EVENT = 512
 SLACK_BYTES = 1024 * 1024
 
 EVENT = re.compile(r"^\d\d:\d\d:\d\d \| (?P<kind>[^|]+) \| (?P<info>[^|]*) \| (?P<host>[^|]*) \| (?P<text>.*)$")

@@ -79,7 +79,7 @@ class SoakAccountTest(unittest.TestCase):
 
     def test_memory_may_grow_by_what_hosts_and_events_take(self):
         first = soak_account.Sample(90, 50_000_000, 10, 100)
-        for hosts, events, allowed in ((10, 100, 1 << 20), (11, 100, (1 << 20) + 8192), (10, 102, (1 << 20) + 2048)):
+        for hosts, events, allowed in ((10, 100, 1 << 20), (11, 100, (1 << 20) + 4096), (10, 102, (1 << 20) + 1024)):
             last = soak_account.Sample(1800, 50_000_001, hosts, events)
             self.assertEqual(soak_account.growth(first, last), (1, allowed))
 
