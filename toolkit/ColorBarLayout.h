@@ -6,7 +6,7 @@
 namespace vardel {
 
 struct ColorBarParts {
-    PixelRect icon;     // of no width without one
+    PixelRect icon;  // of no width without one
     PixelRect text;
     int gradientStart;  // left of it the bar has its first colour throughout, so that the text stays legible
 };

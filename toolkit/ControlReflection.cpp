@@ -6,8 +6,8 @@ namespace vardel {
 
 namespace {
 
-// A table of this process: each row that a list gets is notified, and a property of a window would be asked from
-// the system every time.
+// A table of this process: each row that a list gets is notified, and a property of a window would be asked
+// from the system every time.
 struct BoundReceiver {
     HWND control;
     NotifyReceiver* receiver;
@@ -26,8 +26,9 @@ void BindNotifyReceiver(HWND control, NotifyReceiver* receiver) {
 }
 
 void UnbindNotifyReceiver(HWND control, NotifyReceiver* receiver) {
-    std::erase_if(Receivers(),
-                  [=](const BoundReceiver& one) { return one.control == control && one.receiver == receiver; });
+    std::erase_if(Receivers(), [=](const BoundReceiver& one) {
+        return one.control == control && one.receiver == receiver;
+    });
 }
 
 bool ReflectNotify(HWND control, LPARAM data, LRESULT& result) {

@@ -71,8 +71,8 @@ void DialogResizer::OnSize() {
     const PixelSize client = ClientSize();
     if (MoveTogether(client)) return;
     for (const Follower& one : followers_) {
-        const PixelRect place = ResizedControl(one.original, one.flags, {client.width - one.client.width,
-                                                                         client.height - one.client.height});
+        const PixelRect place = ResizedControl(
+            one.original, one.flags, {client.width - one.client.width, client.height - one.client.height});
         SetWindowPos(one.control, nullptr, place.left, place.top, place.Width(), place.Height(), kMoveFlags);
     }
 }
@@ -82,10 +82,10 @@ bool DialogResizer::MoveTogether(PixelSize client) const {
     HDWP moves = BeginDeferWindowPos(static_cast<int>(followers_.size()));
     for (const Follower& one : followers_) {
         if (!moves) return false;
-        const PixelRect place = ResizedControl(one.original, one.flags, {client.width - one.client.width,
-                                                                         client.height - one.client.height});
-        moves = DeferWindowPos(moves, one.control, nullptr, place.left, place.top, place.Width(), place.Height(),
-                               kMoveFlags);
+        const PixelRect place = ResizedControl(
+            one.original, one.flags, {client.width - one.client.width, client.height - one.client.height});
+        moves = DeferWindowPos(moves, one.control, nullptr, place.left, place.top, place.Width(),
+                               place.Height(), kMoveFlags);
     }
     return moves && EndDeferWindowPos(moves);
 }

@@ -1,7 +1,7 @@
 // DialogResizer: moves and stretches the controls of a dialog that may be resized, and bounds its size.
 //
-// Part of TcDialog, one a dialog. Begin binds it to a window; what was set for that window is forgotten with End.
-// Main thread.
+// Part of TcDialog, one a dialog. Begin binds it to a window; what was set for that window is forgotten with
+// End. Main thread.
 #pragma once
 
 #include <vector>
@@ -19,7 +19,8 @@ class DialogResizer {
     // The sizing border follows at once while there is a window, otherwise when there is one.
     void Enable(bool enable);
     bool IsEnabled() const { return enabled_; }
-    // The control's place in the client area as it is now is what later sizes are told from. False without it.
+    // The control's place in the client area as it is now is what later sizes are told from. False without
+    // it.
     bool Add(int control, int flags);
     // Of the whole window, in pixels of 100 %.
     void SetMinimum(PixelSize size) { minimum_ = size; }

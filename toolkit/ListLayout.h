@@ -1,5 +1,5 @@
-// Which line of a report list shows what, where the list shows its groups itself: the rows of each group beneath a
-// heading line, in the order of the groups; rows of no known group come last, without one.
+// Which line of a report list shows what, where the list shows its groups itself: the rows of each group
+// beneath a heading line, in the order of the groups; rows of no known group come last, without one.
 #pragma once
 
 #include <span>
@@ -11,12 +11,18 @@
 namespace vardel {
 
 // A line is a row's number, or a heading: HeadingLine(position of the group among the groups).
-constexpr int HeadingLine(int groupPosition) { return -1 - groupPosition; }
-constexpr bool IsHeadingLine(int line) { return line < 0; }
-constexpr int GroupOfHeading(int line) { return -1 - line; }
+constexpr int HeadingLine(int groupPosition) {
+    return -1 - groupPosition;
+}
+constexpr bool IsHeadingLine(int line) {
+    return line < 0;
+}
+constexpr int GroupOfHeading(int line) {
+    return -1 - line;
+}
 
-// `rowGroups`: the group of each row; `groups`: the groups in their order. A group without rows has no heading. Takes
-// time linear in rows and groups.
+// `rowGroups`: the group of each row; `groups`: the groups in their order. A group without rows has no
+// heading. Takes time linear in rows and groups.
 std::vector<int> GroupedLines(std::span<const int> rowGroups, std::span<const int> groups);
 
 // Higher of icon and text, with room for the line of the grid.

@@ -10,7 +10,8 @@ MenuText SplitMenuText(std::string_view text) {
     return {std::string(text.substr(0, tab)), std::string(text.substr(tab + 1))};
 }
 
-// "&" is no trail byte in any of the code pages with two-byte characters, so bytes can be looked at one by one.
+// "&" is no trail byte in any of the code pages with two-byte characters, so bytes can be looked at one by
+// one.
 unsigned char MnemonicOf(std::string_view label) {
     for (std::size_t at = 0; at + 1 < label.size(); ++at) {
         if (label[at] != '&') continue;

@@ -1,5 +1,5 @@
-// Measures of an owner-drawn menu, and what its items' texts hold. An item is an icon column, its label, and, at the
-// right, its key text; the system keeps room for the arrow of a submenu behind that.
+// Measures of an owner-drawn menu, and what its items' texts hold. An item is an icon column, its label, and,
+// at the right, its key text; the system keeps room for the arrow of a submenu behind that.
 #pragma once
 
 #include <string>
@@ -17,8 +17,8 @@ struct MenuText {
 };
 MenuText SplitMenuText(std::string_view text);
 
-// The character behind the first single "&" of a label, folded to lower case where it is an ASCII letter; 0 without
-// one. "&&" stands for the character itself.
+// The character behind the first single "&" of a label, folded to lower case where it is an ASCII letter; 0
+// without one. "&&" stands for the character itself.
 unsigned char MnemonicOf(std::string_view label);
 
 // The label as it is read out: without the "&" that mark the mnemonic.
@@ -26,12 +26,12 @@ std::string SpokenLabel(std::string_view label);
 
 // All in pixels of the display.
 struct MenuMeasures {
-    int iconEdge;         // of the square picture
-    int iconColumn;       // width of the column that holds it
-    int textIndent;       // from the icon column to the label
-    int keyGap;           // least distance between label and key text
-    int endMargin;        // behind the text; the system's submenu arrow lies in it
-    int verticalMargin;   // above and below icon and text
+    int iconEdge;        // of the square picture
+    int iconColumn;      // width of the column that holds it
+    int textIndent;      // from the icon column to the label
+    int keyGap;          // least distance between label and key text
+    int endMargin;       // behind the text; the system's submenu arrow lies in it
+    int verticalMargin;  // above and below icon and text
     int separatorHeight;
 };
 MenuMeasures MenuMeasuresFor(int dpi);

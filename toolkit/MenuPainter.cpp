@@ -1,7 +1,5 @@
 #include "toolkit/MenuPainter.h"
 
-#include <cstring>
-
 #include "toolkit/ColorSteps.h"
 #include "toolkit/TcGuiTools.h"
 
@@ -9,14 +7,15 @@ namespace vardel {
 
 namespace {
 
-constexpr char kSymbolFont[] = "Marlett";
-constexpr char kCheckGlyph = 'b';
-constexpr char kBulletGlyph = 'i';
 constexpr int kColumnShadeOf100 = 8;  // how much of the shadow's colour tints the icon column
 
-bool IsGrey(UINT state) { return (state & (ODS_GRAYED | ODS_DISABLED)) != 0; }
+bool IsGrey(UINT state) {
+    return (state & (ODS_GRAYED | ODS_DISABLED)) != 0;
+}
 // A greyed item under the cursor keeps its colours and gets a frame.
-bool IsLit(UINT state) { return (state & ODS_SELECTED) != 0 && !IsGrey(state); }
+bool IsLit(UINT state) {
+    return (state & ODS_SELECTED) != 0 && !IsGrey(state);
+}
 
 COLORREF TextColor(UINT state) {
     if (IsGrey(state)) return GetSysColor(COLOR_GRAYTEXT);
@@ -35,16 +34,13 @@ void MenuPainter::TakeFonts() {
     NONCLIENTMETRICSA metrics{};
     metrics.cbSize = sizeof metrics;
     LOGFONTA font{};
-    if (SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0)) font = metrics.lfMenuFont;
-    else GetObjectA(GetStockObject(DEFAULT_GUI_FONT), sizeof font, &font);
+    if (SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0))
+        font = metrics.lfMenuFont;
+    else
+        GetObjectA(GetStockObject(DEFAULT_GUI_FONT), sizeof font, &font);
     plain_.Reset(CreateFontIndirectA(&font));
     font.lfWeight = FW_BOLD;
     bold_.Reset(CreateFontIndirectA(&font));
-    LOGFONTA symbols{};
-    symbols.lfHeight = -measures_.iconEdge;
-    symbols.lfCharSet = SYMBOL_CHARSET;
-    std::memcpy(symbols.lfFaceName, kSymbolFont, sizeof kSymbolFont);
-    symbols_.Reset(CreateFontIndirectA(&symbols));
 }
 
 PixelSize MenuPainter::Measure(const MenuItemLook& look, bool isDefault) const {
@@ -95,9 +91,8 @@ void MenuPainter::DrawPicture(HDC dc, const MenuItemParts& parts, MenuItemLook& 
     const RECT box = ToRect(parts.icon);
     const bool isChecked = (state & ODS_CHECKED) != 0;
     if (!look.icon) {
-        const char mark = look.isRadio ? kBulletGlyph : kCheckGlyph;
-        if (isChecked) DrawGlyph(dc, box, mark, state);
-        else if (look.glyph) DrawGlyph(dc, box, look.glyph, state);
+        const MenuGlyph mark = look.isRadio ? MenuGlyph::Bullet : MenuGlyph::Check;
+        DrawGlyph(dc, parts.icon, isChecked ? mark : look.glyph, state);
         return;
     }
     if (isChecked) {
@@ -105,16 +100,29 @@ void MenuPainter::DrawPicture(HDC dc, const MenuItemParts& parts, MenuItemLook& 
         InflateRect(&frame, TcGuiTools::Scaled(2), TcGuiTools::Scaled(2));
         FrameRect(dc, &frame, GetSysColorBrush(IsLit(state) ? COLOR_HIGHLIGHTTEXT : COLOR_HIGHLIGHT));
     }
-    if (IsGrey(state) && !look.greyIcon) look.greyIcon.Reset(TcGuiTools::CreateGrayScaleIcon(look.icon.Get(), dc));
+    if (IsGrey(state) && !look.greyIcon)
+        look.greyIcon.Reset(TcGuiTools::CreateGrayScaleIcon(look.icon.Get(), dc));
     const HICON icon = IsGrey(state) && look.greyIcon ? look.greyIcon.Get() : look.icon.Get();
     DrawIconEx(dc, box.left, box.top, icon, parts.icon.Width(), parts.icon.Height(), 0, nullptr, DI_NORMAL);
 }
 
-void MenuPainter::DrawGlyph(HDC dc, const RECT& box, char glyph, UINT state) const {
-    const Selected font(dc, symbols_.Get());
-    SetTextColor(dc, TextColor(state));
-    RECT place = box;
-    DrawTextA(dc, &glyph, 1, &place, DT_SINGLELINE | DT_CENTER | DT_VCENTER | DT_NOCLIP | DT_NOPREFIX);
+void MenuPainter::DrawGlyph(HDC dc, const PixelRect& box, MenuGlyph glyph, UINT state) const {
+    const COLORREF color = TextColor(state);
+    const bool isMark = glyph == MenuGlyph::Check;
+    const UniquePen pen(CreatePen(PS_SOLID, TcGuiTools::Scaled(isMark ? 2 : 1), color));
+    const UniqueBrush brush(CreateSolidBrush(color));
+    const Selected selectedPen(dc, pen.Get());
+    const Selected selectedBrush(dc, brush.Get());
+    if (glyph == MenuGlyph::Bullet) {
+        const int margin = TcGuiTools::Scaled(5);
+        Ellipse(dc, box.left + margin, box.top + margin, box.right - margin, box.bottom - margin);
+    }
+    for (const GlyphStroke& stroke : StrokesOf(glyph)) {
+        const PixelRect line = StrokeIn(box, stroke);
+        MoveToEx(dc, line.left, line.top, nullptr);
+        LineTo(dc, line.right, line.bottom);
+        SetPixelV(dc, line.right, line.bottom, color);  // a line leaves its last point out
+    }
 }
 
 void MenuPainter::DrawLabel(HDC dc, const MenuItemParts& parts, const MenuItemLook& look, UINT state,
@@ -123,9 +131,11 @@ void MenuPainter::DrawLabel(HDC dc, const MenuItemParts& parts, const MenuItemLo
     SetTextColor(dc, TextColor(state));
     RECT place = ToRect(parts.text);
     const UINT hidden = state & ODS_NOACCEL ? DT_HIDEPREFIX : 0;
-    DrawTextA(dc, look.text.label.c_str(), -1, &place, DT_SINGLELINE | DT_VCENTER | DT_LEFT | DT_NOCLIP | hidden);
+    DrawTextA(dc, look.text.label.c_str(), -1, &place,
+              DT_SINGLELINE | DT_VCENTER | DT_LEFT | DT_NOCLIP | hidden);
     if (!look.text.keys.empty())
-        DrawTextA(dc, look.text.keys.c_str(), -1, &place, DT_SINGLELINE | DT_VCENTER | DT_RIGHT | DT_NOPREFIX);
+        DrawTextA(dc, look.text.keys.c_str(), -1, &place,
+                  DT_SINGLELINE | DT_VCENTER | DT_RIGHT | DT_NOPREFIX);
 }
 
 }  // namespace vardel

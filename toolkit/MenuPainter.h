@@ -1,6 +1,7 @@
 // MenuPainter: measures and draws the items of a menu. Holds the fonts of the user's menus. Main thread.
 #pragma once
 
+#include "toolkit/MenuGlyphs.h"
 #include "toolkit/MenuMetrics.h"
 #include "toolkit/UniqueHandle.h"
 
@@ -10,8 +11,8 @@ namespace vardel {
 struct MenuItemLook {
     MenuText text;
     bool isSeparator = false;
-    bool isRadio = false;  // its mark is a bullet
-    char glyph = 0;        // of the symbol font, where there is no icon; 0 for none
+    bool isRadio = false;               // its mark is a bullet
+    MenuGlyph glyph = MenuGlyph::None;  // where there is no icon
     UniqueIcon icon;
     UniqueIcon greyIcon;  // made when it is first needed
 };
@@ -28,13 +29,13 @@ class MenuPainter {
     void DrawBackground(HDC dc, const RECT& item, const MenuItemParts& parts, UINT state) const;
     void DrawSeparator(HDC dc, const RECT& item, const MenuItemParts& parts) const;
     void DrawPicture(HDC dc, const MenuItemParts& parts, MenuItemLook& look, UINT state) const;
-    void DrawGlyph(HDC dc, const RECT& box, char glyph, UINT state) const;
-    void DrawLabel(HDC dc, const MenuItemParts& parts, const MenuItemLook& look, UINT state, bool isDefault) const;
+    void DrawGlyph(HDC dc, const PixelRect& box, MenuGlyph glyph, UINT state) const;
+    void DrawLabel(HDC dc, const MenuItemParts& parts, const MenuItemLook& look, UINT state,
+                   bool isDefault) const;
 
     MenuMeasures measures_ = MenuMeasuresFor(kPlainDpi);
     UniqueFont plain_;
     UniqueFont bold_;
-    UniqueFont symbols_;
 };
 
 }  // namespace vardel

@@ -10,8 +10,8 @@ constexpr int kFollowsBottomEdge = 128;
 constexpr int kFollowsRightEdge = 64;
 constexpr int kGrowsWithEdges = 1;  // the edges move its far sides and leave its near ones
 
-// The place of a control that stood at `original` when the dialog's client area was smaller by `growth` (negative
-// values: larger). A control never gets a negative size.
+// The place of a control that stood at `original` when the dialog's client area was smaller by `growth`
+// (negative values: larger). A control never gets a negative size.
 PixelRect ResizedControl(const PixelRect& original, int flags, PixelSize growth);
 
 // Each measure at least that of `minimum`.

@@ -18,7 +18,9 @@ void FillStrip(HDC dc, const RECT& place, COLORREF color) {
 
 }  // namespace
 
-TcColorBar::~TcColorBar() { Release(); }
+TcColorBar::~TcColorBar() {
+    Release();
+}
 
 void TcColorBar::Release() {
     if (control_) RemoveWindowSubclass(control_, &TcColorBar::ControlProc, kBarSubclassId);
@@ -29,7 +31,8 @@ bool TcColorBar::SetHwnd(HWND control) {
     if (control != control_) Release();
     if (control_) return true;
     if (!control || !IsWindow(control) ||
-        !SetWindowSubclass(control, &TcColorBar::ControlProc, kBarSubclassId, reinterpret_cast<DWORD_PTR>(this)))
+        !SetWindowSubclass(control, &TcColorBar::ControlProc, kBarSubclassId,
+                           reinterpret_cast<DWORD_PTR>(this)))
         return false;
     control_ = control;
     return true;
@@ -54,8 +57,8 @@ bool TcColorBar::Update() {
     return control_ && InvalidateRect(control_, nullptr, FALSE) && UpdateWindow(control_);
 }
 
-LRESULT CALLBACK TcColorBar::ControlProc(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                         DWORD_PTR self) {
+LRESULT CALLBACK TcColorBar::ControlProc(HWND control, UINT message, WPARAM wParam, LPARAM lParam,
+                                         UINT_PTR id, DWORD_PTR self) {
     auto* const bar = reinterpret_cast<TcColorBar*>(self);
     switch (message) {
         case WM_ERASEBKGND:
@@ -91,15 +94,15 @@ void TcColorBar::Paint(HDC dc) const {
     const Selected selected(dc, bold.Get());
     RECT measured{};
     DrawTextA(dc, text_.c_str(), -1, &measured, DT_SINGLELINE | DT_NOPREFIX | DT_CALCRECT);
-    const ColorBarParts parts =
-        LayOutColorBar({static_cast<int>(bar.right), static_cast<int>(bar.bottom)}, static_cast<int>(measured.right),
-                       icon_ ? TcGuiTools::Scaled(kBarIconEdge) : 0, TcGuiTools::Dpi());
+    const ColorBarParts parts = LayOutColorBar(
+        {static_cast<int>(bar.right), static_cast<int>(bar.bottom)}, static_cast<int>(measured.right),
+        icon_ ? TcGuiTools::Scaled(kBarIconEdge) : 0, TcGuiTools::Dpi());
     const bool isHighContrast = TcGuiTools::IsHighContrast();
     const COLORREF start = isHighContrast ? GetSysColor(COLOR_HIGHLIGHT) : start_;
     PaintBackground(dc, bar, isHighContrast ? static_cast<int>(bar.right) : parts.gradientStart, start);
     if (icon_)
-        DrawIconEx(dc, parts.icon.left, parts.icon.top, icon_.Get(), parts.icon.Width(), parts.icon.Height(), 0,
-                   nullptr, DI_NORMAL);
+        DrawIconEx(dc, parts.icon.left, parts.icon.top, icon_.Get(), parts.icon.Width(), parts.icon.Height(),
+                   0, nullptr, DI_NORMAL);
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, isHighContrast ? GetSysColor(COLOR_HIGHLIGHTTEXT) : TextColorOn(start));
     RECT text = ToRect(parts.text);

@@ -1,6 +1,6 @@
-// TcColorBar: a caption bar with a 16 x 16 icon, a text and a colour that fades out, drawn into an existing static
-// control. The object outlives the control and lets it go by itself; it may be bound to another one then, and keeps
-// colour, text and icon. Main thread. Texts are in the system code page.
+// TcColorBar: a caption bar with a 16 x 16 icon, a text and a colour that fades out, drawn into an existing
+// static control. The object outlives the control and lets it go by itself; it may be bound to another one
+// then, and keeps colour, text and icon. Main thread. Texts are in the system code page.
 #pragma once
 
 #include <string>
@@ -19,7 +19,8 @@ class TcColorBar {
 
     // False, and nothing is bound, for a handle that is no window.
     bool SetHwnd(HWND control);
-    // Takes effect with the next Update, like text and icon. Under a high contrast scheme the system's colours hold.
+    // Takes effect with the next Update, like text and icon. Under a high contrast scheme the system's
+    // colours hold.
     bool SetStartColor(COLORREF color);
     // Also the control's text, which screen readers read. False without a control.
     bool SetText(const char* text);

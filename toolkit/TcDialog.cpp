@@ -28,8 +28,8 @@ void RegisterControlClasses() {
     (void)registered;  // a template whose class is missing makes no window, which is told then
 }
 
-// Keeps a dialog's parent from taking input. It takes input again before the dialog goes, or else the system would
-// give the focus to another program's window.
+// Keeps a dialog's parent from taking input. It takes input again before the dialog goes, or else the system
+// would give the focus to another program's window.
 class DisabledParent {
   public:
     explicit DisabledParent(HWND parent)
@@ -61,15 +61,27 @@ TcDialog::~TcDialog() {
     ReleaseTaskbar();
 }
 
-void TcDialog::OnClose() { ExitDialog(false); }
+void TcDialog::OnClose() {
+    ExitDialog(false);
+}
 void TcDialog::OnDestroy() {}
-ULONG_PTR TcDialog::OnNotify(int, LPARAM) { return 0; }
-HBRUSH TcDialog::OnColorStatic(HDC, int, HWND) { return nullptr; }
+ULONG_PTR TcDialog::OnNotify(int, LPARAM) {
+    return 0;
+}
+HBRUSH TcDialog::OnColorStatic(HDC, int, HWND) {
+    return nullptr;
+}
 void TcDialog::OnTimer(int) {}
-bool TcDialog::OnKeyDown(int) { return false; }
-bool TcDialog::OnTaskbarButtonCreated(ITaskbarList3*) { return false; }
+bool TcDialog::OnKeyDown(int) {
+    return false;
+}
+bool TcDialog::OnTaskbarButtonCreated(ITaskbarList3*) {
+    return false;
+}
 
-bool TcDialog::ShowDialogModal(LPARAM param) { return Run(nullptr, param); }
+bool TcDialog::ShowDialogModal(LPARAM param) {
+    return Run(nullptr, param);
+}
 
 bool TcDialog::ShowSubDialog(LPARAM param) {
     return Run(parent_ && IsWindow(parent_) ? GetAncestor(parent_, GA_ROOT) : parent_, param);
@@ -97,7 +109,8 @@ HWND TcDialog::MakeWindow(HWND owner, LPARAM param) {
     RegisterControlClasses();
     const char* const name = MAKEINTRESOURCEA(ident_);
     HINSTANCE module = TcGuiTools::Instance(module_);
-    if (!FindResourceA(module, name, reinterpret_cast<LPCSTR>(RT_DIALOG))) module = TcGuiTools::Instance(nullptr);
+    if (!FindResourceA(module, name, reinterpret_cast<LPCSTR>(RT_DIALOG)))
+        module = TcGuiTools::Instance(nullptr);
     TcDialog* const outer = objectInTheMaking;
     objectInTheMaking = this;
     const HWND window = CreateDialogParamA(module, name, owner, &TcDialog::DialogProc, param);
@@ -124,7 +137,8 @@ bool TcDialog::TakesKey(const MSG& message) {
     if (message.message != WM_KEYDOWN || !window_) return false;
     if (message.hwnd != window_ && !IsChild(window_, message.hwnd)) return false;
     if (!OnKeyDown(static_cast<int>(message.wParam))) return false;
-    if (message.wParam == VK_TAB && window_) SendMessageA(window_, WM_NEXTDLGCTL, GetKeyState(VK_SHIFT) < 0, FALSE);
+    if (message.wParam == VK_TAB && window_)
+        SendMessageA(window_, WM_NEXTDLGCTL, GetKeyState(VK_SHIFT) < 0, FALSE);
     return true;
 }
 
@@ -162,14 +176,17 @@ INT_PTR TcDialog::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_NOTIFY:
             return RouteNotify(lParam);
         case WM_MEASUREITEM:
-            return OnMeasureItem(static_cast<int>(wParam), reinterpret_cast<MEASUREITEMSTRUCT*>(lParam)) && Answer(TRUE);
+            return OnMeasureItem(static_cast<int>(wParam), reinterpret_cast<MEASUREITEMSTRUCT*>(lParam)) &&
+                   Answer(TRUE);
         case WM_DRAWITEM:
-            return OnDrawItem(static_cast<int>(wParam), reinterpret_cast<DRAWITEMSTRUCT*>(lParam)) && Answer(TRUE);
+            return OnDrawItem(static_cast<int>(wParam), reinterpret_cast<DRAWITEMSTRUCT*>(lParam)) &&
+                   Answer(TRUE);
         case WM_MENUCHAR:
             return RouteMenuChar(wParam, lParam);
         case WM_CTLCOLORSTATIC: {
             const auto control = reinterpret_cast<HWND>(lParam);
-            return reinterpret_cast<INT_PTR>(OnColorStatic(reinterpret_cast<HDC>(wParam), GetDlgCtrlID(control), control));
+            return reinterpret_cast<INT_PTR>(
+                OnColorStatic(reinterpret_cast<HDC>(wParam), GetDlgCtrlID(control), control));
         }
         case WM_TIMER:
             OnTimer(static_cast<int>(wParam));

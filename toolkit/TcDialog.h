@@ -1,9 +1,9 @@
-// TcDialog: base of all dialogs. A dialog is a class derived from it whose resource module, parent and template
-// number are set before the show call; the object is made before its window and outlives it.
+// TcDialog: base of all dialogs. A dialog is a class derived from it whose resource module, parent and
+// template number are set before the show call; the object is made before its window and outlives it.
 //
-// A show call runs a message loop of its own until ExitDialog, so timers and other windows go on meanwhile. It gives
-// the argument of ExitDialog; false too when the window could not be made, was destroyed by somebody else, or the
-// program is to end. Main thread only. Texts are in the system code page.
+// A show call runs a message loop of its own until ExitDialog, so timers and other windows go on meanwhile.
+// It gives the argument of ExitDialog; false too when the window could not be made, was destroyed by somebody
+// else, or the program is to end. Main thread only. Texts are in the system code page.
 #pragma once
 
 #include "foundation/TcString.h"
@@ -23,11 +23,11 @@ class TcDialog {
 
     // The virtual operations, in this order.
     virtual ~TcDialog();
-    // The window and its controls are there. `param` as given to the show call. True lets the system give the focus
-    // to the first control.
+    // The window and its controls are there. `param` as given to the show call. True lets the system give the
+    // focus to the first control.
     virtual bool OnInitDialog(LPARAM param) = 0;
-    // A control's or menu's command, true when handled. Escape, which is command IDCANCEL, closes the dialog like its
-    // close button where nobody handles it.
+    // A control's or menu's command, true when handled. Escape, which is command IDCANCEL, closes the dialog
+    // like its close button where nobody handles it.
     virtual bool OnCommand(int id, int notification, HWND control) = 0;
     // The user closes the window. Ends the dialog with false.
     virtual void OnClose();
@@ -41,8 +41,8 @@ class TcDialog {
     // A static control is about to paint: the brush for its background, null for the system's.
     virtual HBRUSH OnColorStatic(HDC dc, int id, HWND control);
     virtual void OnTimer(int id);
-    // A key goes down in the dialog or one of its controls. True takes the key: no control sees it. A tab that is
-    // taken still moves the focus on, also out of a control that would have kept it.
+    // A key goes down in the dialog or one of its controls. True takes the key: no control sees it. A tab
+    // that is taken still moves the focus on, also out of a control that would have kept it.
     virtual bool OnKeyDown(int key);
     // True keeps `taskbar` valid until the window is gone.
     virtual bool OnTaskbarButtonCreated(ITaskbarList3* taskbar);
@@ -72,8 +72,8 @@ class TcDialog {
     bool IsButtonChecked(int id) const;
     LRESULT SendCtrlMsg(int id, UINT message, WPARAM wParam, LPARAM lParam) const;
 
-    // Completion in an edit control while the user types: `addresses` that were visited before, `files` of the disk.
-    // Needs an apartment of COM on this thread.
+    // Completion in an edit control while the user types: `addresses` that were visited before, `files` of
+    // the disk. Needs an apartment of COM on this thread.
     static bool SetupAutoComplete(HWND control, bool addresses, bool files);
 
     void EnableResizing(bool enable) { resizer_.Enable(enable); }
@@ -82,8 +82,8 @@ class TcDialog {
     // Lower limits of the window's size in pixels, scaled with the display.
     void SetMinimumSize(int width, int height) { resizer_.SetMinimum({width, height}); }
 
-    // The window's place on the screen; for a minimised or maximised one the place that it returns to. A rectangle of
-    // no size is refused, one that lies on no monitor is moved onto the nearest.
+    // The window's place on the screen; for a minimised or maximised one the place that it returns to. A
+    // rectangle of no size is refused, one that lies on no monitor is moved onto the nearest.
     bool SetSizeAndPosition(const RECT& place);
     bool GetSizeAndPosition(RECT& place) const;
 

@@ -44,7 +44,9 @@ bool TcDialog::SetControlShown(int id, int how) {
     return true;
 }
 
-bool TcDialog::IsButtonChecked(int id) const { return window_ && IsDlgButtonChecked(window_, id) == BST_CHECKED; }
+bool TcDialog::IsButtonChecked(int id) const {
+    return window_ && IsDlgButtonChecked(window_, id) == BST_CHECKED;
+}
 
 LRESULT TcDialog::SendCtrlMsg(int id, UINT message, WPARAM wParam, LPARAM lParam) const {
     const HWND control = GetControl(id);
@@ -86,7 +88,8 @@ bool TcDialog::GetSizeAndPosition(RECT& place) const {
     place = kept.rcNormalPosition;
     // Told from the corner of the work area; a tool window's alone from the corner of the screen.
     if (!(GetWindowLongPtrA(window_, GWL_EXSTYLE) & WS_EX_TOOLWINDOW))
-        OffsetRect(&place, monitor.rcWork.left - monitor.rcMonitor.left, monitor.rcWork.top - monitor.rcMonitor.top);
+        OffsetRect(&place, monitor.rcWork.left - monitor.rcMonitor.left,
+                   monitor.rcWork.top - monitor.rcMonitor.top);
     return true;
 }
 

@@ -26,7 +26,8 @@ UniqueBitmap GreyColors(HDC dc, HBITMAP colors) {
     BITMAP shape{};
     if (!GetObjectA(colors, sizeof shape, &shape) || shape.bmWidth <= 0 || shape.bmHeight <= 0) return {};
     BITMAPINFO info = TopDownPixels(shape.bmWidth, shape.bmHeight);
-    std::vector<u32> pixels(static_cast<std::size_t>(shape.bmWidth) * static_cast<std::size_t>(shape.bmHeight));
+    std::vector<u32> pixels(static_cast<std::size_t>(shape.bmWidth) *
+                            static_cast<std::size_t>(shape.bmHeight));
     const auto lines = static_cast<UINT>(shape.bmHeight);
     if (!GetDIBits(dc, colors, 0, lines, pixels.data(), &info, DIB_RGB_COLORS)) return {};
     for (u32& pixel : pixels) pixel = GreyPixel(pixel);
@@ -57,8 +58,8 @@ HINSTANCE TcGuiTools::Instance(ModuleHandle module) {
 
 HICON TcGuiTools::LoadSizedIcon(ModuleHandle module, int iconResource, int edge) {
     const int pixels = Scaled(edge);
-    return static_cast<HICON>(LoadImageA(Instance(module), MAKEINTRESOURCEA(iconResource), IMAGE_ICON, pixels, pixels,
-                                         LR_DEFAULTCOLOR));
+    return static_cast<HICON>(LoadImageA(Instance(module), MAKEINTRESOURCEA(iconResource), IMAGE_ICON, pixels,
+                                         pixels, LR_DEFAULTCOLOR));
 }
 
 std::wstring TcGuiTools::WideText(const std::string& text) {

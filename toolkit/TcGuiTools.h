@@ -11,15 +11,15 @@ namespace vardel {
 
 class TcGuiTools {
   public:
-    // A new copy of an icon in shades of grey, of the same size and opacity. The caller owns it (DestroyIcon). `dc`
-    // is the display it is for; null stands for the screen. Null on failure.
+    // A new copy of an icon in shades of grey, of the same size and opacity. The caller owns it
+    // (DestroyIcon). `dc` is the display it is for; null stands for the screen. Null on failure.
     static HICON CreateGrayScaleIcon(HICON icon, HDC dc);
 
     // The module for the system's calls; null stands for the program's own.
     static HINSTANCE Instance(ModuleHandle module);
 
-    // An icon resource at `edge` pixels of 100 %, scaled for the display. The caller owns it (DestroyIcon). Null when
-    // the module has none of that number.
+    // An icon resource at `edge` pixels of 100 %, scaled for the display. The caller owns it (DestroyIcon).
+    // Null when the module has none of that number.
     static HICON LoadSizedIcon(ModuleHandle module, int iconResource, int edge);
 
     // A text of the system code page in the system's own characters.
@@ -37,6 +37,8 @@ inline PixelRect ToPixels(const RECT& rect) {
     return {static_cast<int>(rect.left), static_cast<int>(rect.top), static_cast<int>(rect.right),
             static_cast<int>(rect.bottom)};
 }
-inline RECT ToRect(const PixelRect& rect) { return {rect.left, rect.top, rect.right, rect.bottom}; }
+inline RECT ToRect(const PixelRect& rect) {
+    return {rect.left, rect.top, rect.right, rect.bottom};
+}
 
 }  // namespace vardel

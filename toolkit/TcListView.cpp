@@ -39,7 +39,9 @@ TcListView::~TcListView() {
     Release();
 }
 
-int TcListView::GetItemGroup(void* item) { return GroupOfRow(RowOfItem(item)); }
+int TcListView::GetItemGroup(void* item) {
+    return GroupOfRow(RowOfItem(item));
+}
 
 bool TcListView::InitListView(ModuleHandle module, HWND control) {
     module_ = module;
@@ -89,7 +91,8 @@ bool TcListView::OnMeasureItem(MEASUREITEMSTRUCT* item) {
     const WindowDc screen(nullptr);
     int height = TextHeight(screen.Get(), GetStockObject(DEFAULT_GUI_FONT));
     if (const auto font = reinterpret_cast<HFONT>(Send(WM_GETFONT))) height = TextHeight(screen.Get(), font);
-    item->itemHeight = static_cast<UINT>(ListRowHeight(height, TcGuiTools::Scaled(kImageEdge), TcGuiTools::Dpi()));
+    item->itemHeight =
+        static_cast<UINT>(ListRowHeight(height, TcGuiTools::Scaled(kImageEdge), TcGuiTools::Dpi()));
     return true;
 }
 
@@ -171,7 +174,8 @@ bool TcListView::OnOwnNotify(LPARAM data, LRESULT& result) {
             return AnswerText(*reinterpret_cast<NMLVDISPINFOA*>(data));
         case LVN_ITEMCHANGED: {
             const auto& change = *reinterpret_cast<NMLISTVIEW*>(data);
-            if (!showsHeadings_ || changing_ || change.iItem < 0 || RowOfLine(change.iItem) >= 0) return false;
+            if (!showsHeadings_ || changing_ || change.iItem < 0 || RowOfLine(change.iItem) >= 0)
+                return false;
             KeepHeadingUnselected(change);
             return true;
         }
@@ -185,12 +189,14 @@ bool TcListView::AnswerText(NMLVDISPINFOA& asked) {
     TcString text;
     const int row = RowOfLine(item.iItem);
     const bool isHeading = showsHeadings_ && row < 0;
-    void* const record = row >= 0 ? rows_[static_cast<std::size_t>(row)].item : reinterpret_cast<void*>(item.lParam);
+    void* const record =
+        row >= 0 ? rows_[static_cast<std::size_t>(row)].item : reinterpret_cast<void*>(item.lParam);
     if (item.mask & LVIF_IMAGE) item.iImage = isHeading || !record ? -1 : GetItemImage(item.iSubItem, record);
     if (!(item.mask & LVIF_TEXT) || !item.pszText || item.cchTextMax <= 0) return true;
     if (isHeading && item.iSubItem == 0 && item.iItem >= 0 && item.iItem < static_cast<int>(lines_.size()))
         text = HeadingTitle(item.iItem).c_str();
-    else if (!isHeading && record && !GetItemText(item.iSubItem, record, text)) text.Clear();
+    else if (!isHeading && record && !GetItemText(item.iSubItem, record, text))
+        text.Clear();
     const int length = WholeCharacters(text, text.GetLength(), item.cchTextMax - 1);
     std::copy_n(text.GetContent(), length, item.pszText);
     item.pszText[length] = 0;
@@ -209,8 +215,8 @@ const std::string& TcListView::HeadingTitle(int line) const {
     return groups_[static_cast<std::size_t>(GroupOfHeading(lines_[static_cast<std::size_t>(line)]))].title;
 }
 
-LRESULT CALLBACK TcListView::ControlProc(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                         DWORD_PTR self) {
+LRESULT CALLBACK TcListView::ControlProc(HWND control, UINT message, WPARAM wParam, LPARAM lParam,
+                                         UINT_PTR id, DWORD_PTR self) {
     auto* const list = reinterpret_cast<TcListView*>(self);
     if (message == WM_NCDESTROY) {
         RemoveWindowSubclass(control, &TcListView::ControlProc, id);
@@ -241,7 +247,8 @@ LRESULT TcListView::MoveByKey(WPARAM key, LPARAM lParam) {
     const auto line = static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
     if (line < 0 || line >= static_cast<int>(lines_.size()) || RowOfLine(line) >= 0) return result;
     const bool isUp = (key == VK_UP || key == VK_PRIOR) && line > 0;
-    const bool isMove = isUp || key == VK_UP || key == VK_PRIOR || key == VK_DOWN || key == VK_NEXT || key == VK_HOME;
+    const bool isMove =
+        isUp || key == VK_UP || key == VK_PRIOR || key == VK_DOWN || key == VK_NEXT || key == VK_HOME;
     return isMove ? DefSubclassProc(control_, WM_KEYDOWN, isUp ? VK_UP : VK_DOWN, lParam) : result;
 }
 
@@ -250,14 +257,16 @@ LRESULT TcListView::MoveByKey(WPARAM key, LPARAM lParam) {
 void* TcListView::ItemAtPoint(POINT screen) const {
     LVHITTESTINFO hit{};
     hit.pt = screen;
-    if (!control_ || !ScreenToClient(control_, &hit.pt) || SendRecord(LVM_SUBITEMHITTEST, 0, hit) < 0) return nullptr;
+    if (!control_ || !ScreenToClient(control_, &hit.pt) || SendRecord(LVM_SUBITEMHITTEST, 0, hit) < 0)
+        return nullptr;
     return ItemOfRow(RowOfLine(hit.iItem));
 }
 
 std::vector<void*> TcListView::SelectedItems() const {
     std::vector<void*> items;
     auto line = static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
-    for (; control_ && line >= 0; line = static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(line), LVNI_SELECTED)))
+    for (; control_ && line >= 0;
+         line = static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(line), LVNI_SELECTED)))
         if (void* const item = ItemOfRow(RowOfLine(line))) items.push_back(item);
     return items;
 }

@@ -1,13 +1,13 @@
-// TcListView: an owner-drawn report list whose content is asked for when it is drawn. A derived class gives the
-// content of a record; no text is stored in the control, each line of which carries its record's address.
+// TcListView: an owner-drawn report list whose content is asked for when it is drawn. A derived class gives
+// the content of a record; no text is stored in the control, each line of which carries its record's address.
 //
-// Rows are numbered from 0 in the order in which they were added or put. Where the control shows groups, a row's
-// number is its line in the control. Where it can't (there are such systems), the list shows the groups itself: a
-// heading line above the rows of each group, which can't be selected, sorted or acted on. RowOfLine and LineOfRow
-// lead from one to the other; a heading is row -1.
+// Rows are numbered from 0 in the order in which they were added or put. Where the control shows groups, a
+// row's number is its line in the control. Where it can't (there are such systems), the list shows the groups
+// itself: a heading line above the rows of each group, which can't be selected, sorted or acted on. RowOfLine
+// and LineOfRow lead from one to the other; a heading is row -1.
 //
-// The object outlives its control and lets it go by itself. It answers what the control asks its dialog (texts for
-// screen readers) before the dialog does. Main thread. Texts are in the system code page.
+// The object outlives its control and lets it go by itself. It answers what the control asks its dialog
+// (texts for screen readers) before the dialog does. Main thread. Texts are in the system code page.
 #pragma once
 
 #include <functional>
@@ -26,9 +26,9 @@
 namespace vardel {
 
 // The look of all lists of the program.
-constexpr u32 kListTextColor = 0x820d11;          // a dark blue
-constexpr u32 kListStyles = 0x00010021;           // grid lines, full row selection, double buffering
-constexpr u32 kListStylesWithImages = 0x00010023; // and pictures in every column
+constexpr u32 kListTextColor = 0x820d11;           // a dark blue
+constexpr u32 kListStyles = 0x00010021;            // grid lines, full row selection, double buffering
+constexpr u32 kListStylesWithImages = 0x00010023;  // and pictures in every column
 
 class TcListView {
   public:
@@ -47,8 +47,9 @@ class TcListView {
     // The group in which the record's row stands; -1 for none.
     virtual int GetItemGroup(void* item);
 
-    // Binds the control and the module of the header's texts; again after a language change, which then puts the
-    // header's texts anew. Without a control only the module is kept. False when no control is bound then.
+    // Binds the control and the module of the header's texts; again after a language change, which then puts
+    // the header's texts anew. Without a control only the module is kept. False when no control is bound
+    // then.
     bool InitListView(ModuleHandle module, HWND control);
     bool SetHwnd(HWND control);
     HWND GetHwnd() const { return control_; }
@@ -61,15 +62,15 @@ class TcListView {
     // The look of the program's lists: colour of the text and one of the two sets of styles above.
     void SetLook(u32 styles);
 
-    // At the right of the others; `width` in pixels of the display, `format` is LVCFMT_LEFT, _RIGHT or _CENTER. Gives
-    // the column's number, -1 on failure.
+    // At the right of the others; `width` in pixels of the display, `format` is LVCFMT_LEFT, _RIGHT or
+    // _CENTER. Gives the column's number, -1 on failure.
     int AddColumn(u32 textId, int width, int format = LVCFMT_LEFT);
     int AddColumn(const char* title, int width, int format = LVCFMT_LEFT);
     int ColumnCount() const;
     int ColumnWidth(int column) const;
     void SetColumnWidth(int column, int width);
-    // As wide as the widest text that `textOf` gives for a row, in the default font of the user interface, and
-    // `extra` more where that is above 0; as wide as its header where all texts are empty.
+    // As wide as the widest text that `textOf` gives for a row, in the default font of the user interface,
+    // and `extra` more where that is above 0; as wide as its header where all texts are empty.
     using TextOf = std::function<bool(void* item, TcString& text)>;
     void FitColumn(int column, int extra, const TextOf& textOf);
 
@@ -82,8 +83,8 @@ class TcListView {
         void* item = nullptr;
         int group = -1;
     };
-    // Rows at the end, in one go. A record that is null or has a row is passed over; a row that the control refuses
-    // too. Gives how many there are more. Takes time linear in all rows where headings are shown.
+    // Rows at the end, in one go. A record that is null or has a row is passed over; a row that the control
+    // refuses too. Gives how many there are more. Takes time linear in all rows where headings are shown.
     int AddRows(std::span<const Row> rows);
     bool AddRow(void* item, int group = -1) {
         const Row row{item, group};
@@ -96,8 +97,8 @@ class TcListView {
         int row, group;
     };
     void SetGroups(std::span<const NewGroup> changes);
-    // Element n is the number so far of the row that becomes the n-th; each number once, or nothing is done (false).
-    // Rows keep selection and focus.
+    // Element n is the number so far of the row that becomes the n-th; each number once, or nothing is done
+    // (false). Rows keep selection and focus.
     bool SetOrder(std::span<const u32> order);
 
     int RowCount() const { return static_cast<int>(rows_.size()); }
@@ -121,7 +122,9 @@ class TcListView {
     class Link final : public NotifyReceiver {
       public:
         explicit Link(TcListView& list) : list_(list) {}
-        bool OnReflectedNotify(LPARAM data, LRESULT& result) override { return list_.OnOwnNotify(data, result); }
+        bool OnReflectedNotify(LPARAM data, LRESULT& result) override {
+            return list_.OnOwnNotify(data, result);
+        }
 
       private:
         TcListView& list_;
@@ -162,7 +165,8 @@ class TcListView {
     bool PutGroup(const Group& group, bool isNew) const;
     std::vector<int> LinesOf(const std::vector<Row>& rows) const;
     int AddGrouped(std::span<const Row> rows);
-    void InsertLines(std::vector<int> target, const std::vector<char>& isMissing, const std::vector<UINT>& states);
+    void InsertLines(std::vector<int> target, const std::vector<char>& isMissing,
+                     const std::vector<UINT>& states);
     void DeleteLines(const std::vector<char>& isDropped, const std::vector<int>& target);
     void DropRows(const std::vector<char>& isDropped);
     void SortLines();
@@ -184,9 +188,9 @@ class TcListView {
     std::vector<Column> columns_;
     std::vector<Group> groups_;
     std::vector<Row> rows_;
-    std::vector<int> lines_;       // of the control, where headings are shown: see ListLayout.h
-    std::vector<int> linesOfRows_; // the other way round; empty where no headings are shown
-    bool changing_ = false;        // lines and rows are being brought in line
+    std::vector<int> lines_;        // of the control, where headings are shown: see ListLayout.h
+    std::vector<int> linesOfRows_;  // the other way round; empty where no headings are shown
+    bool changing_ = false;         // lines and rows are being brought in line
     ItemIndex index_;
 };
 

@@ -23,7 +23,8 @@ void FillCell(HDC dc, const RECT& place, COLORREF color) {
 int OneLine(TcString& text) {
     char* const content = text.GetContent();
     const int length = std::min(text.GetLength(), kMostTextBytes);
-    std::replace_if(content, content + length, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+    std::replace_if(
+        content, content + length, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
     return length;
 }
 
@@ -54,16 +55,21 @@ bool TcListView::OnDrawItem(DRAWITEMSTRUCT* item) {
     const auto font = reinterpret_cast<HFONT>(Send(WM_GETFONT));
     const Selected selected(item->hDC, font ? static_cast<HGDIOBJ>(font) : GetStockObject(DEFAULT_GUI_FONT));
     const auto line = static_cast<int>(item->itemID);
-    const bool isHeading = showsHeadings_ && line >= 0 && line < static_cast<int>(lines_.size()) && RowOfLine(line) < 0;
-    if (isHeading) DrawHeading(*item, HeadingTitle(line));
-    else DrawCells(*item);
+    const bool isHeading =
+        showsHeadings_ && line >= 0 && line < static_cast<int>(lines_.size()) && RowOfLine(line) < 0;
+    if (isHeading)
+        DrawHeading(*item, HeadingTitle(line));
+    else
+        DrawCells(*item);
     return true;
 }
 
 RowPalette TcListView::Palette() const {
     const auto own = [this](UINT message, int otherwise) {
         const auto color = static_cast<COLORREF>(Send(message));
-        return color == CLR_DEFAULT || color == CLR_NONE || TcGuiTools::IsHighContrast() ? GetSysColor(otherwise) : color;
+        return color == CLR_DEFAULT || color == CLR_NONE || TcGuiTools::IsHighContrast()
+                   ? GetSysColor(otherwise)
+                   : color;
     };
     return {.plain = {own(LVM_GETTEXTCOLOR, COLOR_WINDOWTEXT), own(LVM_GETBKCOLOR, COLOR_WINDOW)},
             .selected = {GetSysColor(COLOR_HIGHLIGHTTEXT), GetSysColor(COLOR_HIGHLIGHT)},
@@ -154,7 +160,8 @@ void TcListView::DrawHeading(const DRAWITEMSTRUCT& place, const std::string& tit
     text.left += TcGuiTools::Scaled(kCellMargin);
     RECT measured = text;
     DrawTextA(place.hDC, title.c_str(), -1, &measured, DT_SINGLELINE | DT_NOPREFIX | DT_CALCRECT);
-    DrawTextA(place.hDC, title.c_str(), -1, &text, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+    DrawTextA(place.hDC, title.c_str(), -1, &text,
+              DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
     const LONG middle = (place.rcItem.top + place.rcItem.bottom) / 2;
     const RECT rule{measured.right + TcGuiTools::Scaled(kCellMargin), middle, place.rcItem.right, middle + 1};
     if (rule.right > rule.left) FillCell(place.hDC, rule, palette.plain.text);

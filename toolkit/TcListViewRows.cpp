@@ -38,7 +38,8 @@ class TcListView::Change {
 bool TcListView::AddGroup(int id, const char* title) {
     if (!control_ || id < 0) return false;
     const Group group{id, title ? title : ""};
-    const auto known = std::find_if(groups_.begin(), groups_.end(), [id](const Group& one) { return one.id == id; });
+    const auto known =
+        std::find_if(groups_.begin(), groups_.end(), [id](const Group& one) { return one.id == id; });
     if (known != groups_.end()) {
         *known = group;
         if (showsHeadings_) return InvalidateRect(control_, nullptr, FALSE) != FALSE;
@@ -124,8 +125,10 @@ int TcListView::AddRows(std::span<const Row> rows) {
     for (const Row& row : rows) {
         if (!row.item || index_.Find(row.item) >= 0) continue;
         rows_.push_back(row);
-        if (InsertLine(RowCount() - 1, RowCount() - 1, 0)) index_.Insert(row.item, RowCount() - 1);
-        else rows_.pop_back();
+        if (InsertLine(RowCount() - 1, RowCount() - 1, 0))
+            index_.Insert(row.item, RowCount() - 1);
+        else
+            rows_.pop_back();
     }
     return RowCount() - before;
 }
@@ -140,8 +143,8 @@ int TcListView::AddGrouped(std::span<const Row> rows) {
     return RowCount() - before;
 }
 
-// Puts the lines of `target` that the control lacks: the missing rows and the headings that are new. `states`, by
-// row, may be empty. What the control refuses is left out.
+// Puts the lines of `target` that the control lacks: the missing rows and the headings that are new.
+// `states`, by row, may be empty. What the control refuses is left out.
 void TcListView::InsertLines(std::vector<int> target, const std::vector<char>& isMissing,
                              const std::vector<UINT>& states) {
     std::vector<char> hasHeading(groups_.size());
@@ -152,11 +155,14 @@ void TcListView::InsertLines(std::vector<int> target, const std::vector<char>& i
     put.reserve(target.size());
     for (const int content : target) {
         const auto row = static_cast<std::size_t>(content);
-        const bool isNew = IsHeadingLine(content) ? !hasHeading[static_cast<std::size_t>(GroupOfHeading(content))]
-                                                  : isMissing[row] != 0;
+        const bool isNew = IsHeadingLine(content)
+                               ? !hasHeading[static_cast<std::size_t>(GroupOfHeading(content))]
+                               : isMissing[row] != 0;
         const UINT state = IsHeadingLine(content) || states.empty() ? 0 : states[row];
-        if (!isNew || InsertLine(static_cast<int>(put.size()), content, state)) put.push_back(content);
-        else if (!IsHeadingLine(content)) isRefused[row] = 1;
+        if (!isNew || InsertLine(static_cast<int>(put.size()), content, state))
+            put.push_back(content);
+        else if (!IsHeadingLine(content))
+            isRefused[row] = 1;
     }
     PutLines(std::move(put));
     if (std::find(isRefused.begin(), isRefused.end(), 1) != isRefused.end()) DropRows(isRefused);
@@ -187,8 +193,9 @@ void TcListView::DeleteLines(const std::vector<char>& isDropped, const std::vect
         if (IsHeadingLine(line)) keepsHeading[static_cast<std::size_t>(GroupOfHeading(line))] = 1;
     for (std::size_t at = lines_.size(); at-- > 0;) {
         const int content = lines_[at];
-        const bool stays = IsHeadingLine(content) ? keepsHeading[static_cast<std::size_t>(GroupOfHeading(content))] != 0
-                                                  : !isDropped[static_cast<std::size_t>(content)];
+        const bool stays = IsHeadingLine(content)
+                               ? keepsHeading[static_cast<std::size_t>(GroupOfHeading(content))] != 0
+                               : !isDropped[static_cast<std::size_t>(content)];
         if (stays) continue;
         Send(LVM_DELETEITEM, at);
         lines_[at] = RowCount();  // no row's number: the line is gone
@@ -229,7 +236,8 @@ void TcListView::PutLines(std::vector<int> lines) {
     lines_ = std::move(lines);
     linesOfRows_.assign(showsHeadings_ ? rows_.size() : 0, -1);
     for (std::size_t at = 0; at < lines_.size(); ++at)
-        if (!IsHeadingLine(lines_[at])) linesOfRows_[static_cast<std::size_t>(lines_[at])] = static_cast<int>(at);
+        if (!IsHeadingLine(lines_[at]))
+            linesOfRows_[static_cast<std::size_t>(lines_[at])] = static_cast<int>(at);
 }
 
 void TcListView::SetGroups(std::span<const NewGroup> changes) {
@@ -255,7 +263,8 @@ void TcListView::SetGroups(std::span<const NewGroup> changes) {
         if (showsHeadings_)
             states[static_cast<std::size_t>(row)] =
                 static_cast<UINT>(Send(LVM_GETITEMSTATE, static_cast<WPARAM>(LineOfRow(row)), kKeptState));
-        else SendRecord(LVM_SETITEMA, 0, item);
+        else
+            SendRecord(LVM_SETITEMA, 0, item);
     }
     if (!showsHeadings_) return;
     std::vector<int> target = LinesOf(rows_);
@@ -276,20 +285,22 @@ bool TcListView::SetOrder(std::span<const u32> order) {
     if (!control_ || rows_.empty()) return true;
     const Change change(*this);
     rows_ = std::move(ordered);
-    for (int row = 0; row < RowCount(); ++row) index_.Renumber(rows_[static_cast<std::size_t>(row)].item, row);
+    for (int row = 0; row < RowCount(); ++row)
+        index_.Renumber(rows_[static_cast<std::size_t>(row)].item, row);
     SortLines();
     return true;
 }
 
-// Brings the lines into the order of the rows, beneath their headings where there are such. The control keeps each
-// line's state.
+// Brings the lines into the order of the rows, beneath their headings where there are such. The control keeps
+// each line's state.
 void TcListView::SortLines() {
     if (showsHeadings_) {
         for (std::size_t at = lines_.size(); at-- > 0;)
             if (IsHeadingLine(lines_[at])) Send(LVM_DELETEITEM, at);
         std::vector<int> target = LinesOf(rows_);
         PutLines(target);
-        Send(LVM_SORTITEMS, reinterpret_cast<WPARAM>(this), reinterpret_cast<LPARAM>(&TcListView::CompareLines));
+        Send(LVM_SORTITEMS, reinterpret_cast<WPARAM>(this),
+             reinterpret_cast<LPARAM>(&TcListView::CompareLines));
         std::erase_if(lines_, IsHeadingLine);
         InsertLines(std::move(target), std::vector<char>(rows_.size()), {});
         return;

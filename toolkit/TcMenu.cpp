@@ -9,7 +9,8 @@
 
 namespace vardel {
 
-// The record behind an item. It opens with the block in which screen readers look for an owner-drawn item's text.
+// The record behind an item. It opens with the block in which screen readers look for an owner-drawn item's
+// text.
 struct TcMenu::Item {
     MSAAMENUINFO spoken{};
     std::wstring spokenText;
@@ -26,20 +27,6 @@ namespace {
 std::unordered_set<ULONG_PTR>& LiveItems() {
     static std::unordered_set<ULONG_PTR> items;
     return items;
-}
-
-// Shown beside a window's own commands, in the symbol font.
-struct CommandGlyph {
-    UINT command;
-    char glyph;
-};
-constexpr CommandGlyph kCommandGlyphs[] = {
-    {SC_CLOSE, 'r'}, {SC_RESTORE, '2'}, {SC_MAXIMIZE, '1'}, {SC_MINIMIZE, '0'}};
-
-char GlyphOf(UINT command) {
-    for (const CommandGlyph& row : kCommandGlyphs)
-        if (command == row.command) return row.glyph;
-    return 0;
 }
 
 // A popup's command id is its handle, which says nothing.
@@ -72,7 +59,9 @@ unsigned char Folded(unsigned character) {
 
 TcMenu::TcMenu() = default;
 
-TcMenu::~TcMenu() { ReleaseMenu(); }
+TcMenu::~TcMenu() {
+    ReleaseMenu();
+}
 
 TcMenu::Item* TcMenu::FindItem(ULONG_PTR data) {
     return data && LiveItems().contains(data) ? reinterpret_cast<Item*>(data) : nullptr;
@@ -103,7 +92,7 @@ bool TcMenu::TakeItem(int position) {
     item->look.text = other ? other->look.text : SplitMenuText(ReadText(menu_, position));
     item->look.isSeparator = (info.fType & MFT_SEPARATOR) != 0;
     item->look.isRadio = (info.fType & MFT_RADIOCHECK) != 0;
-    item->look.glyph = GlyphOf(item->id);
+    item->look.glyph = GlyphOfCommand(item->id);
     item->spokenText = TcGuiTools::WideText(SpokenLabel(item->look.text.label));
     item->spoken = {MSAA_MENU_SIG, static_cast<DWORD>(item->spokenText.size()), item->spokenText.data()};
 

@@ -1,10 +1,11 @@
-// TcMenu: one menu, popup or system menu, drawn by the toolkit: an icon column, labels, the default item in bold.
+// TcMenu: one menu, popup or system menu, drawn by the toolkit: an icon column, labels, the default item in
+// bold.
 //
-// InitMenu takes the items of one menu handle over as they are then, not those of its submenus, each of which has
-// an object of its own. Call it again when items were added. The menu's owner forwards its measure and draw requests;
-// an object passes requests for another object's items on, so that a wrong choice among several does no harm.
-// The menu handle stays the caller's; the object gives the items back when it goes, if the menu is still there then.
-// Main thread.
+// InitMenu takes the items of one menu handle over as they are then, not those of its submenus, each of which
+// has an object of its own. Call it again when items were added. The menu's owner forwards its measure and
+// draw requests; an object passes requests for another object's items on, so that a wrong choice among
+// several does no harm. The menu handle stays the caller's; the object gives the items back when it goes, if
+// the menu is still there then. Main thread.
 #pragma once
 
 #include <memory>
@@ -23,8 +24,8 @@ class TcMenu {
     TcMenu(const TcMenu&) = delete;
     TcMenu& operator=(const TcMenu&) = delete;
 
-    // `languageModule` is where the menu is from, `imageModule` where SetImage takes its icons; null stands for the
-    // program. False, and nothing taken over, for a handle that is no menu.
+    // `languageModule` is where the menu is from, `imageModule` where SetImage takes its icons; null stands
+    // for the program. False, and nothing taken over, for a handle that is no menu.
     bool InitMenu(ModuleHandle languageModule, HMENU menu, ModuleHandle imageModule);
     // Gives the items back to the system's drawing.
     void ReleaseMenu();

@@ -1,4 +1,5 @@
-// Owning handles of the window system: move-only, closed once. A new kind of handle costs a policy of one line.
+// Owning handles of the window system: move-only, closed once. A new kind of handle costs a policy of one
+// line.
 #pragma once
 
 #include <utility>

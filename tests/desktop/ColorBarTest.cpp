@@ -50,15 +50,18 @@ TEST(ColorBar, FadesFromItsColourToTheDialogs) {
 
 TEST(ColorBar, ItsTextIsLegible) {
     TcColorBar bar;
-    LookAtBar(bar, "IIIIIIIIIII", [](const Canvas& canvas, RECT) { EXPECT_GT(canvas.Count(RGB(255, 255, 255)), 20); });
+    LookAtBar(bar, "IIIIIIIIIII",
+              [](const Canvas& canvas, RECT) { EXPECT_GT(canvas.Count(RGB(255, 255, 255)), 20); });
 }
 
 TEST(ColorBar, ShowsAnIconOfTheProgram) {
     TcColorBar bar;
     EXPECT_TRUE(bar.SetIcon(ICON_RED));
-    LookAtBar(bar, "Hosts", [](const Canvas& canvas, RECT) { EXPECT_GT(canvas.Count(RGB(0xc0, 0x30, 0x28)), 80); });
+    LookAtBar(bar, "Hosts",
+              [](const Canvas& canvas, RECT) { EXPECT_GT(canvas.Count(RGB(0xc0, 0x30, 0x28)), 80); });
     EXPECT_FALSE(bar.SetIcon(4000));
-    LookAtBar(bar, "Hosts", [](const Canvas& canvas, RECT) { EXPECT_EQ(canvas.Count(RGB(0xc0, 0x30, 0x28)), 0); });
+    LookAtBar(bar, "Hosts",
+              [](const Canvas& canvas, RECT) { EXPECT_EQ(canvas.Count(RGB(0xc0, 0x30, 0x28)), 0); });
 }
 
 TEST(ColorBar, WithoutAControlItTellsSo) {

@@ -1,5 +1,6 @@
-// What the tests of windows share: steps that run inside a dialog's own message loop, and a dialog that tells what
-// reached it. Nothing here sleeps: each step is a posted message, so it runs when those before it were handled.
+// What the tests of windows share: steps that run inside a dialog's own message loop, and a dialog that tells
+// what reached it. Nothing here sleeps: each step is a posted message, so it runs when those before it were
+// handled.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,7 +18,8 @@
 
 namespace vardel::test {
 
-// Runs closures one by one from whichever message loop is turning. A loop that never ends is broken after a while.
+// Runs closures one by one from whichever message loop is turning. A loop that never ends is broken after a
+// while.
 class Steps {
   public:
     Steps() {
@@ -26,7 +28,8 @@ class Steps {
         own.hInstance = GetModuleHandleA(nullptr);
         own.lpszClassName = "Vardel test steps";
         RegisterClassA(&own);
-        window_ = CreateWindowA(own.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, own.hInstance, nullptr);
+        window_ = CreateWindowA(own.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, own.hInstance,
+                                nullptr);
         SetWindowLongPtrA(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
         SetTimer(window_, kWatchdog, kLongestMs, nullptr);
     }
@@ -141,8 +144,8 @@ class ToldDialog : public TcDialog {
 class PlainWindow {
   public:
     PlainWindow()
-        : window_(CreateWindowA("STATIC", "Parent", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 50, 50, 300, 200, nullptr,
-                                nullptr, GetModuleHandleA(nullptr), nullptr)) {}
+        : window_(CreateWindowA("STATIC", "Parent", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 50, 50, 300, 200,
+                                nullptr, nullptr, GetModuleHandleA(nullptr), nullptr)) {}
     ~PlainWindow() { DestroyWindow(window_); }
     PlainWindow(const PlainWindow&) = delete;
     PlainWindow& operator=(const PlainWindow&) = delete;
@@ -180,7 +183,8 @@ class Canvas {
     int Count(COLORREF color, RECT part) const {
         int count = 0;
         for (LONG y = part.top; y < part.bottom; ++y)
-            for (LONG x = part.left; x < part.right; ++x) count += At(static_cast<int>(x), static_cast<int>(y)) == color;
+            for (LONG x = part.left; x < part.right; ++x)
+                count += At(static_cast<int>(x), static_cast<int>(y)) == color;
         return count;
     }
     // How much darker than white the picture is, summed up.

@@ -115,7 +115,8 @@ TEST(DialogControls, PathsAreCompletedInAnEditControl) {
     ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)));
     WithDialog([](ToldDialog& dialog) {
         EXPECT_TRUE(TcDialog::SetupAutoComplete(dialog.GetControl(CONTROL_EDIT), false, true));
-        EXPECT_FALSE(TcDialog::SetupAutoComplete(dialog.GetControl(CONTROL_EDIT), false, false)) << "nothing to complete";
+        EXPECT_FALSE(TcDialog::SetupAutoComplete(dialog.GetControl(CONTROL_EDIT), false, false))
+            << "nothing to complete";
         EXPECT_FALSE(TcDialog::SetupAutoComplete(nullptr, false, true));
     });
     CoUninitialize();

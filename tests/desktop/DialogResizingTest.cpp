@@ -4,7 +4,8 @@
 namespace vardel::test {
 namespace {
 
-// A dialog laid out like the views: a list that fills it, a button in the bottom right, a label in the bottom left.
+// A dialog laid out like the views: a list that fills it, a button in the bottom right, a label in the bottom
+// left.
 class ResizableDialog : public ToldDialog {
   public:
     ResizableDialog() : ToldDialog(DIALOG_RESIZABLE) {
@@ -174,19 +175,21 @@ TEST(DialogResizing, AMinimisedWindowTellsThePlaceItReturnsTo) {
     dialog.goesOn = true;
     RECT before{}, after{}, list{};
     dialog.test = [&] {
-        steps.Then([&] {
-                 dialog.SetSizeAndPosition({60, 70, 460, 370});
-                 dialog.GetSizeAndPosition(before);
-                 list = dialog.Place(CONTROL_LIST);
-                 ShowWindow(dialog.GetHwnd(), SW_MINIMIZE);
-             })
+        steps
+            .Then([&] {
+                dialog.SetSizeAndPosition({60, 70, 460, 370});
+                dialog.GetSizeAndPosition(before);
+                list = dialog.Place(CONTROL_LIST);
+                ShowWindow(dialog.GetHwnd(), SW_MINIMIZE);
+            })
             .Then([&] {
                 EXPECT_TRUE(IsIconic(dialog.GetHwnd()));
                 EXPECT_TRUE(dialog.GetSizeAndPosition(after));
                 ShowWindow(dialog.GetHwnd(), SW_RESTORE);
             })
             .Then([&] {
-                EXPECT_EQ(ToPixels(dialog.Place(CONTROL_LIST)), ToPixels(list)) << "minimising squeezes no control";
+                EXPECT_EQ(ToPixels(dialog.Place(CONTROL_LIST)), ToPixels(list))
+                    << "minimising squeezes no control";
                 dialog.ExitDialog(true);
             });
     };

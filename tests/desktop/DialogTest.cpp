@@ -134,7 +134,9 @@ TEST(Dialog, EnterPressesTheDefaultButton) {
         if (id == IDOK) dialog.ExitDialog(true);
         return id == IDOK;
     };
-    dialog.onInit = [&] { steps.Then([&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_KEYDOWN, VK_RETURN, 0); }); };
+    dialog.onInit = [&] {
+        steps.Then([&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_KEYDOWN, VK_RETURN, 0); });
+    };
     EXPECT_TRUE(dialog.ShowDialogModal(0));
 }
 
@@ -147,8 +149,9 @@ TEST(Dialog, OnlyTheLowSixteenBitsOfACommandAreItsId) {
         return true;
     };
     dialog.onInit = [&] {
-        steps.Then([&] { SendMessageA(dialog.GetHwnd(), WM_COMMAND, MAKEWPARAM(61000, 7), 0); })
-            .Then([&] { dialog.ExitDialog(true); });
+        steps.Then([&] { SendMessageA(dialog.GetHwnd(), WM_COMMAND, MAKEWPARAM(61000, 7), 0); }).Then([&] {
+            dialog.ExitDialog(true);
+        });
     };
     dialog.ShowDialogModal(0);
     EXPECT_EQ(seen, 1);
@@ -172,7 +175,8 @@ TEST(Dialog, ASubDialogDisablesItsParentMeanwhile) {
 
 TEST(Dialog, TheParentMayBeAWindowWithinTheTopLevelOne) {
     const PlainWindow parent;
-    const HWND inner = CreateWindowA("STATIC", "", WS_CHILD, 0, 0, 10, 10, parent.Get(), nullptr, nullptr, nullptr);
+    const HWND inner =
+        CreateWindowA("STATIC", "", WS_CHILD, 0, 0, 10, 10, parent.Get(), nullptr, nullptr, nullptr);
     ToldDialog dialog(DIALOG_SUB);
     dialog.SetParent(inner);
     dialog.onInit = [&] {
@@ -272,7 +276,8 @@ TEST(Dialog, TheEndOfTheProgramEndsAllLoops) {
     inner.onInit = [&] { steps.Then([&] { PostQuitMessage(3); }); };
     EXPECT_FALSE(outer.ShowDialogModal(0));
     MSG message{};
-    ASSERT_TRUE(PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "the loop around them must hear of it";
+    ASSERT_TRUE(PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE))
+        << "the loop around them must hear of it";
     EXPECT_EQ(message.wParam, 3u);
     EXPECT_TRUE(outer.WasTold("destroy"));
     EXPECT_TRUE(inner.WasTold("destroy"));
@@ -368,7 +373,9 @@ TEST(Dialog, KeysOfOtherWindowsAreNotTold) {
     ToldDialog dialog;
     Steps steps;
     dialog.onInit = [&] {
-        steps.Then([&] { PostMessageA(other.Get(), WM_KEYDOWN, 'B', 0); }).Then([&] { dialog.ExitDialog(true); });
+        steps.Then([&] { PostMessageA(other.Get(), WM_KEYDOWN, 'B', 0); }).Then([&] {
+            dialog.ExitDialog(true);
+        });
     };
     dialog.ShowDialogModal(0);
     EXPECT_FALSE(dialog.WasTold("key 66"));
@@ -395,7 +402,9 @@ TEST(Dialog, OwnerDrawnControlsAreDrawnByTheirId) {
         return true;
     };
     dialog.onInit = [&] {
-        steps.Then([&] { UpdateWindow(dialog.GetControl(CONTROL_DRAWN)); }).Then([&] { dialog.ExitDialog(true); });
+        steps.Then([&] { UpdateWindow(dialog.GetControl(CONTROL_DRAWN)); }).Then([&] {
+            dialog.ExitDialog(true);
+        });
     };
     dialog.ShowDialogModal(0);
     EXPECT_GT(drawn, 0);
@@ -411,8 +420,9 @@ TEST(Dialog, AStaticGetsTheBrushOfOnColorStatic) {
     dialog.onInit = [&] {
         const auto answer = [&](int id) {
             const HDC dc = GetDC(dialog.GetHwnd());
-            const LRESULT given = SendMessageA(dialog.GetHwnd(), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc),
-                                               reinterpret_cast<LPARAM>(dialog.GetControl(id)));
+            const LRESULT given =
+                SendMessageA(dialog.GetHwnd(), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc),
+                             reinterpret_cast<LPARAM>(dialog.GetControl(id)));
             ReleaseDC(dialog.GetHwnd(), dc);
             return reinterpret_cast<HBRUSH>(given);
         };

@@ -45,14 +45,17 @@ TEST(GuiTools, WithoutAnIconThereIsNoGreyOne) {
 TEST(GuiTools, GreyIconsLeaveNoObjectBehind) {
     const UniqueIcon red(TcGuiTools::LoadSizedIcon(nullptr, ICON_RED, 16));
     const auto objects = [] {
-        return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS) + GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+        return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS) +
+               GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
     };
     const DWORD before = objects();
     for (int round = 0; round < 200; ++round) UniqueIcon(TcGuiTools::CreateGrayScaleIcon(red.Get(), nullptr));
     EXPECT_LE(objects(), before + 4);
 }
 
-TEST(GuiTools, AnIconThatIsMissingIsNull) { EXPECT_EQ(TcGuiTools::LoadSizedIcon(nullptr, 4000, 16), nullptr); }
+TEST(GuiTools, AnIconThatIsMissingIsNull) {
+    EXPECT_EQ(TcGuiTools::LoadSizedIcon(nullptr, 4000, 16), nullptr);
+}
 
 TEST(GuiTools, ANullModuleIsTheProgram) {
     EXPECT_EQ(TcGuiTools::Instance(nullptr), GetModuleHandleA(nullptr));

@@ -19,7 +19,9 @@ class RecordList : public TcListView {
         text = static_cast<ListRecord*>(item)->cells[column].c_str();
         return true;
     }
-    int GetItemImage(int column, void* item) override { return column == 0 ? static_cast<ListRecord*>(item)->image : -1; }
+    int GetItemImage(int column, void* item) override {
+        return column == 0 ? static_cast<ListRecord*>(item)->image : -1;
+    }
     int GetItemTextColor(void* item) override { return static_cast<ListRecord*>(item)->color; }
 
     int asked = 0;
@@ -29,7 +31,9 @@ class RecordList : public TcListView {
 class ListDialog : public ToldDialog {
   public:
     ListDialog() : ToldDialog(DIALOG_LIST) {
-        onMeasure = [this](int id, MEASUREITEMSTRUCT* item) { return id == CONTROL_LIST && list.OnMeasureItem(item); };
+        onMeasure = [this](int id, MEASUREITEMSTRUCT* item) {
+            return id == CONTROL_LIST && list.OnMeasureItem(item);
+        };
         onDraw = [this](int id, DRAWITEMSTRUCT* item) {
             drawn += id == CONTROL_LIST;
             return id == CONTROL_LIST && list.OnDrawItem(item);
@@ -66,20 +70,24 @@ class ListDialog : public ToldDialog {
         item.iSubItem = column;
         item.pszText = text;
         item.cchTextMax = sizeof text;
-        SendCtrlMsg(CONTROL_LIST, LVM_GETITEMTEXTA, static_cast<WPARAM>(line), reinterpret_cast<LPARAM>(&item));
+        SendCtrlMsg(CONTROL_LIST, LVM_GETITEMTEXTA, static_cast<WPARAM>(line),
+                    reinterpret_cast<LPARAM>(&item));
         return text;
     }
     void Select(int line, bool focus = false) {
         LVITEMA item{};
         item.state = LVIS_SELECTED | (focus ? LVIS_FOCUSED : 0u);
         item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-        SendCtrlMsg(CONTROL_LIST, LVM_SETITEMSTATE, static_cast<WPARAM>(line), reinterpret_cast<LPARAM>(&item));
+        SendCtrlMsg(CONTROL_LIST, LVM_SETITEMSTATE, static_cast<WPARAM>(line),
+                    reinterpret_cast<LPARAM>(&item));
     }
     bool IsSelected(int line) const {
-        return (SendCtrlMsg(CONTROL_LIST, LVM_GETITEMSTATE, static_cast<WPARAM>(line), LVIS_SELECTED) & LVIS_SELECTED) != 0;
+        return (SendCtrlMsg(CONTROL_LIST, LVM_GETITEMSTATE, static_cast<WPARAM>(line), LVIS_SELECTED) &
+                LVIS_SELECTED) != 0;
     }
     int FocusedLine() const {
-        return static_cast<int>(SendCtrlMsg(CONTROL_LIST, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
+        return static_cast<int>(
+            SendCtrlMsg(CONTROL_LIST, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
     }
     // The first cells of the lines from the top, headings in brackets.
     std::string Lines() const {
@@ -94,7 +102,8 @@ class ListDialog : public ToldDialog {
     std::unique_ptr<Canvas> Picture() const {
         RECT client{};
         GetClientRect(Control(), &client);
-        auto canvas = std::make_unique<Canvas>(static_cast<int>(client.right), static_cast<int>(client.bottom));
+        auto canvas =
+            std::make_unique<Canvas>(static_cast<int>(client.right), static_cast<int>(client.bottom));
         UpdateWindow(Control());
         const HDC dc = GetDC(Control());
         BitBlt(canvas->Dc(), 0, 0, client.right, client.bottom, dc, 0, 0, SRCCOPY);
@@ -104,7 +113,8 @@ class ListDialog : public ToldDialog {
     RECT PlaceOfLine(int line) const {
         RECT place{};
         place.left = LVIR_BOUNDS;
-        SendCtrlMsg(CONTROL_LIST, LVM_GETITEMRECT, static_cast<WPARAM>(line), reinterpret_cast<LPARAM>(&place));
+        SendCtrlMsg(CONTROL_LIST, LVM_GETITEMRECT, static_cast<WPARAM>(line),
+                    reinterpret_cast<LPARAM>(&place));
         return place;
     }
 

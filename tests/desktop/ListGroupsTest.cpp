@@ -8,7 +8,8 @@ constexpr int kTrusted = 1, kDistrusted = 2, kUnknown = 3;
 
 struct GroupedList {
     explicit GroupedList(int count) : records(static_cast<std::size_t>(count)) {
-        for (int at = 0; at < count; ++at) records[static_cast<std::size_t>(at)].cells[1] = std::string(1, static_cast<char>('a' + at % 26));
+        for (int at = 0; at < count; ++at)
+            records[static_cast<std::size_t>(at)].cells[1] = std::string(1, static_cast<char>('a' + at % 26));
     }
     void AddGroups() {
         EXPECT_TRUE(dialog.list.AddGroup(kTrusted, "Trusted hosts"));
@@ -149,27 +150,31 @@ TEST(ListGroups, TheKeyboardStepsOverHeadings) {
     Steps steps;
     ListDialog& dialog = grouped.dialog;
     dialog.goesOn = true;
-    const auto press = [&](int key) { SendMessageA(dialog.Control(), WM_KEYDOWN, static_cast<WPARAM>(key), 0); };
+    const auto press = [&](int key) {
+        SendMessageA(dialog.Control(), WM_KEYDOWN, static_cast<WPARAM>(key), 0);
+    };
     dialog.inInit = [&] {
         grouped.AddGroups();
         grouped.AddRows("1133");  // lines: heading, a, b, heading, c, d
-        steps.Then([&] {
-                 SetFocus(dialog.Control());
-                 dialog.Select(2, true);
-                 press(VK_DOWN);
-                 EXPECT_EQ(dialog.FocusedLine(), 4);
-                 EXPECT_EQ(dialog.list.SelectedItems(), (std::vector<void*>{&grouped.records[2]}));
-                 press(VK_UP);
-                 EXPECT_EQ(dialog.FocusedLine(), 2);
-                 EXPECT_EQ(dialog.list.SelectedItems(), (std::vector<void*>{&grouped.records[1]}));
-                 press(VK_HOME);
-                 EXPECT_EQ(dialog.FocusedLine(), 1);
-                 press(VK_UP);
-                 EXPECT_EQ(dialog.FocusedLine(), 1) << "there is no row above";
-                 EXPECT_EQ(dialog.list.SelectedItems(), (std::vector<void*>{&grouped.records[0]}));
-                 press(VK_END);
-                 EXPECT_EQ(dialog.FocusedLine(), 5);
-             }).Then([&] { dialog.ExitDialog(true); });
+        steps
+            .Then([&] {
+                SetFocus(dialog.Control());
+                dialog.Select(2, true);
+                press(VK_DOWN);
+                EXPECT_EQ(dialog.FocusedLine(), 4);
+                EXPECT_EQ(dialog.list.SelectedItems(), (std::vector<void*>{&grouped.records[2]}));
+                press(VK_UP);
+                EXPECT_EQ(dialog.FocusedLine(), 2);
+                EXPECT_EQ(dialog.list.SelectedItems(), (std::vector<void*>{&grouped.records[1]}));
+                press(VK_HOME);
+                EXPECT_EQ(dialog.FocusedLine(), 1);
+                press(VK_UP);
+                EXPECT_EQ(dialog.FocusedLine(), 1) << "there is no row above";
+                EXPECT_EQ(dialog.list.SelectedItems(), (std::vector<void*>{&grouped.records[0]}));
+                press(VK_END);
+                EXPECT_EQ(dialog.FocusedLine(), 5);
+            })
+            .Then([&] { dialog.ExitDialog(true); });
     };
     dialog.ShowDialogModal(0);
 }
@@ -182,18 +187,20 @@ TEST(ListGroups, AClickOnAHeadingLeavesTheSelection) {
     dialog.inInit = [&] {
         grouped.AddGroups();
         grouped.AddRows("13");
-        steps.Then([&] {
-                 dialog.Select(1, true);
-                 const RECT heading = dialog.PlaceOfLine(2);
-                 const LPARAM point = MAKELPARAM(heading.left + 40, heading.top + 4);
-                 SendMessageA(dialog.Control(), WM_LBUTTONDOWN, MK_LBUTTON, point);
-                 SendMessageA(dialog.Control(), WM_LBUTTONUP, 0, point);
-                 EXPECT_TRUE(dialog.IsSelected(1));
-                 EXPECT_EQ(GetFocus(), dialog.Control());
-                 POINT screen{heading.left + 40, heading.top + 4};
-                 ClientToScreen(dialog.Control(), &screen);
-                 EXPECT_EQ(dialog.list.ItemAtPoint(screen), nullptr);
-             }).Then([&] { dialog.ExitDialog(true); });
+        steps
+            .Then([&] {
+                dialog.Select(1, true);
+                const RECT heading = dialog.PlaceOfLine(2);
+                const LPARAM point = MAKELPARAM(heading.left + 40, heading.top + 4);
+                SendMessageA(dialog.Control(), WM_LBUTTONDOWN, MK_LBUTTON, point);
+                SendMessageA(dialog.Control(), WM_LBUTTONUP, 0, point);
+                EXPECT_TRUE(dialog.IsSelected(1));
+                EXPECT_EQ(GetFocus(), dialog.Control());
+                POINT screen{heading.left + 40, heading.top + 4};
+                ClientToScreen(dialog.Control(), &screen);
+                EXPECT_EQ(dialog.list.ItemAtPoint(screen), nullptr);
+            })
+            .Then([&] { dialog.ExitDialog(true); });
     };
     dialog.ShowDialogModal(0);
 }
@@ -249,12 +256,15 @@ TEST(ListGroups, RowsOfNoGroupComeLastWithoutAHeading) {
 // A control with groups, played by a subclass that notes what it is sent.
 class GroupViewPlayer {
   public:
-    explicit GroupViewPlayer(HWND control) { SetWindowSubclass(control, &GroupViewPlayer::Proc, 1, reinterpret_cast<DWORD_PTR>(this)); }
+    explicit GroupViewPlayer(HWND control) {
+        SetWindowSubclass(control, &GroupViewPlayer::Proc, 1, reinterpret_cast<DWORD_PTR>(this));
+    }
 
     std::vector<std::string> told;
 
   private:
-    static LRESULT CALLBACK Proc(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR self) {
+    static LRESULT CALLBACK Proc(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                 DWORD_PTR self) {
         auto& player = *reinterpret_cast<GroupViewPlayer*>(self);
         switch (message) {
             case LVM_ENABLEGROUPVIEW:
@@ -267,18 +277,21 @@ class GroupViewPlayer {
             case LVM_SETGROUPINFO: {
                 const auto& group = *reinterpret_cast<LVGROUP*>(lParam);
                 EXPECT_EQ(group.cbSize, sizeof group);
-                EXPECT_EQ(group.mask & (LVGF_HEADER | LVGF_GROUPID), static_cast<UINT>(LVGF_HEADER | LVGF_GROUPID));
+                EXPECT_EQ(group.mask & (LVGF_HEADER | LVGF_GROUPID),
+                          static_cast<UINT>(LVGF_HEADER | LVGF_GROUPID));
                 std::string title;
                 for (const wchar_t* at = group.pszHeader; *at; ++at) title += static_cast<char>(*at);
-                player.told.push_back((message == LVM_INSERTGROUP ? "group " : "change ") + std::to_string(group.iGroupId) + " " + title);
+                player.told.push_back((message == LVM_INSERTGROUP ? "group " : "change ") +
+                                      std::to_string(group.iGroupId) + " " + title);
                 return group.iGroupId;
             }
             case LVM_INSERTITEMA:
             case LVM_SETITEMA: {
                 const auto& item = *reinterpret_cast<LVITEMA*>(lParam);
                 if (item.mask & LVIF_GROUPID)
-                    player.told.push_back((message == LVM_INSERTITEMA ? "insert " : "set ") + std::to_string(item.iItem) +
-                                          " in " + std::to_string(item.iGroupId));
+                    player.told.push_back((message == LVM_INSERTITEMA ? "insert " : "set ") +
+                                          std::to_string(item.iItem) + " in " +
+                                          std::to_string(item.iGroupId));
                 LVITEMA plain = item;
                 plain.mask &= ~static_cast<UINT>(LVIF_GROUPID);
                 return DefSubclassProc(control, message, wParam, reinterpret_cast<LPARAM>(&plain));
@@ -298,15 +311,19 @@ class GroupViewPlayer {
 TEST(ListGroups, AControlWithGroupsShowsThemItself) {
     GroupedList grouped(4);
     std::unique_ptr<GroupViewPlayer> player;
-    grouped.dialog.beforeColumns = [&] { player = std::make_unique<GroupViewPlayer>(grouped.dialog.Control()); };
+    grouped.dialog.beforeColumns = [&] {
+        player = std::make_unique<GroupViewPlayer>(grouped.dialog.Control());
+    };
     grouped.dialog.With([&] {
         grouped.AddGroups();
         EXPECT_FALSE(grouped.dialog.list.ShowsHeadings());
-        EXPECT_EQ(player->told, (std::vector<std::string>{"enable 1", "group 1 Trusted hosts", "group 2 Distrusted hosts",
-                                                          "group 3 Unknown hosts"}));
+        EXPECT_EQ(player->told,
+                  (std::vector<std::string>{"enable 1", "group 1 Trusted hosts", "group 2 Distrusted hosts",
+                                            "group 3 Unknown hosts"}));
         player->told.clear();
         grouped.AddRows("312");
-        EXPECT_EQ(player->told, (std::vector<std::string>{"insert 0 in 3", "insert 1 in 1", "insert 2 in 2"}));
+        EXPECT_EQ(player->told,
+                  (std::vector<std::string>{"insert 0 in 3", "insert 1 in 1", "insert 2 in 2"}));
         EXPECT_EQ(grouped.dialog.LineCount(), 3) << "no headings of its own";
         player->told.clear();
         const TcListView::NewGroup changes[] = {{0, kTrusted}, {1, kTrusted}};

@@ -163,7 +163,8 @@ std::string Title(const ListDialog& dialog, int column) {
     told.mask = LVCF_TEXT;
     told.pszText = title;
     told.cchTextMax = sizeof title;
-    dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETCOLUMNA, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&told));
+    dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETCOLUMNA, static_cast<WPARAM>(column),
+                       reinterpret_cast<LPARAM>(&told));
     return title;
 }
 
@@ -177,7 +178,8 @@ TEST(ListView, HeaderTextsComeFromTheModuleAndAnewAfterALanguageChange) {
         column.mask = LVCF_TEXT;
         column.pszText = other;
         for (const int at : {1, 3})
-            dialog.SendCtrlMsg(CONTROL_LIST, LVM_SETCOLUMNA, static_cast<WPARAM>(at), reinterpret_cast<LPARAM>(&column));
+            dialog.SendCtrlMsg(CONTROL_LIST, LVM_SETCOLUMNA, static_cast<WPARAM>(at),
+                               reinterpret_cast<LPARAM>(&column));
         EXPECT_TRUE(dialog.list.InitListView(nullptr, dialog.Control()));
         EXPECT_EQ(Title(dialog, 3), "IP - Address");
         EXPECT_EQ(Title(dialog, 1), "other") << "a title that was given is not the language's";
@@ -199,7 +201,8 @@ TEST(ListView, AColumnIsFittedToItsWidestText) {
         const WindowDc dc(nullptr);
         const Selected font(dc.Get(), GetStockObject(DEFAULT_GUI_FONT));
         SIZE size{};
-        GetTextExtentPoint32A(dc.Get(), records[1].cells[1].c_str(), static_cast<int>(records[1].cells[1].size()), &size);
+        GetTextExtentPoint32A(dc.Get(), records[1].cells[1].c_str(),
+                              static_cast<int>(records[1].cells[1].size()), &size);
         EXPECT_EQ(dialog.list.ColumnWidth(1), size.cx + 16);
         dialog.list.FitColumn(1, 16, [](void*, TcString&) { return false; });
         const int byHeader = dialog.list.ColumnWidth(1);
@@ -216,11 +219,12 @@ TEST(ListView, EveryTextIsFetchedWhenItIsDrawn) {
     dialog.goesOn = true;
     dialog.inInit = [&] {
         AddAll(dialog.list, records);
-        steps.Then([&] {
-                 UpdateWindow(dialog.Control());
-                 dialog.list.asked = dialog.drawn = 0;
-                 dialog.list.RedrawRows();
-             })
+        steps
+            .Then([&] {
+                UpdateWindow(dialog.Control());
+                dialog.list.asked = dialog.drawn = 0;
+                dialog.list.RedrawRows();
+            })
             .Then([&] {
                 EXPECT_EQ(dialog.drawn, 2);
                 EXPECT_EQ(dialog.list.asked, 6) << "each cell once";
@@ -300,7 +304,9 @@ TEST(ListView, ASelectedRowIsLitWithOrWithoutItsFirstColumn) {
 TEST(ListView, ATextOfSeveralLinesIsDrawnInOne) {
     auto records = Records(1);
     records[0].cells[1] = "one\r\n\ttwo";
-    Look(records, [&](ListDialog&, const Canvas&) { EXPECT_EQ(records[0].cells[1], "one\r\n\ttwo") << "a copy is drawn"; });
+    Look(records, [&](ListDialog&, const Canvas&) {
+        EXPECT_EQ(records[0].cells[1], "one\r\n\ttwo") << "a copy is drawn";
+    });
 }
 
 TEST(ListView, ALongTextIsCutForTheControlBetweenCharacters) {

@@ -10,7 +10,9 @@ namespace {
 
 // The popup of the test's menu resource.
 struct MenuTest : testing::Test {
-    MenuTest() : resource(LoadMenuA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(MENU_POPUP))), popup(GetSubMenu(resource, 0)) {}
+    MenuTest()
+        : resource(LoadMenuA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(MENU_POPUP))),
+          popup(GetSubMenu(resource, 0)) {}
     ~MenuTest() override {
         menu.ReleaseMenu();
         DestroyMenu(resource);
@@ -38,7 +40,8 @@ struct MenuTest : testing::Test {
     // Draws an item of the popup into a picture of its own size.
     std::unique_ptr<Canvas> Draw(int position, UINT state) {
         const MEASUREITEMSTRUCT size = Measure(position);
-        auto canvas = std::make_unique<Canvas>(static_cast<int>(size.itemWidth), static_cast<int>(size.itemHeight));
+        auto canvas =
+            std::make_unique<Canvas>(static_cast<int>(size.itemWidth), static_cast<int>(size.itemHeight));
         DRAWITEMSTRUCT item{};
         item.CtlType = ODT_MENU;
         item.itemAction = ODA_DRAWENTIRE;
@@ -50,7 +53,8 @@ struct MenuTest : testing::Test {
         return canvas;
     }
 
-    static constexpr int kView = 0, kSeparator = 1, kStart = 2, kStop = 3, kSilent = 4, kLanguage = 5, kExit = 6;
+    static constexpr int kView = 0, kSeparator = 1, kStart = 2, kStop = 3, kSilent = 4, kLanguage = 5,
+                         kExit = 6;
     const HMENU resource;
     const HMENU popup;
     TcMenu menu;
@@ -198,6 +202,26 @@ TEST_F(MenuTest, AMarkShowsWithAndWithoutAnIcon) {
     EXPECT_GT(Draw(kSilent, ODS_CHECKED)->Count(GetSysColor(COLOR_HIGHLIGHT), column), 20);
 }
 
+TEST_F(MenuTest, AMarkOfOneAmongSeveralIsABullet) {
+    const HMENU languages = GetSubMenu(popup, kLanguage);
+    const auto mark = [&](UINT type) {
+        MENUITEMINFOA info = Info(popup, kSilent);
+        info.fMask = MIIM_FTYPE;
+        info.fType = type;
+        EXPECT_TRUE(SetMenuItemInfoA(popup, kSilent, TRUE, &info));
+        EXPECT_TRUE(menu.InitMenu(nullptr, popup, nullptr));
+        const int edge = TcGuiTools::Scaled(24);
+        const auto picture = Draw(kSilent, ODS_CHECKED);
+        const int middle = static_cast<int>(Measure(kSilent).itemHeight) / 2;
+        return picture->At(edge / 2, middle) == GetSysColor(COLOR_MENUTEXT);
+    };
+    EXPECT_TRUE(Info(languages, 0).fType & MFT_RADIOCHECK);
+    EXPECT_TRUE(mark(MFT_STRING | MFT_RADIOCHECK)) << "a disc is filled in its middle";
+    menu.ReleaseMenu();
+    EXPECT_FALSE(Info(popup, kSilent).fType & MFT_OWNERDRAW);
+    EXPECT_TRUE(Info(popup, kSilent).fType & MFT_RADIOCHECK);
+}
+
 TEST_F(MenuTest, OtherItemsAreNotItsOwn) {
     ASSERT_TRUE(menu.InitMenu(nullptr, popup, nullptr));
     MEASUREITEMSTRUCT measure{};
@@ -270,12 +294,11 @@ TEST_F(MenuTest, ASystemMenuIsDrawnThroughItsDialog) {
     };
     dialog.onInit = [&] {
         ASSERT_TRUE(system.InitMenu(nullptr, GetSystemMenu(dialog.GetHwnd(), FALSE), nullptr));
-        steps.Then([&] { PostMessageA(dialog.GetHwnd(), WM_SYSCOMMAND, SC_KEYMENU, ' '); })
-            .Then([&] {
-                steps.Then([&] {})
-                    .Then([&] { PostMessageA(dialog.GetHwnd(), WM_CANCELMODE, 0, 0); })
-                    .Then([&] { dialog.ExitDialog(true); });
+        steps.Then([&] { PostMessageA(dialog.GetHwnd(), WM_SYSCOMMAND, SC_KEYMENU, ' '); }).Then([&] {
+            steps.Then([&] {}).Then([&] { PostMessageA(dialog.GetHwnd(), WM_CANCELMODE, 0, 0); }).Then([&] {
+                dialog.ExitDialog(true);
             });
+        });
     };
     EXPECT_TRUE(dialog.ShowDialogModal(0));
     EXPECT_GT(measured, 0);
@@ -284,7 +307,8 @@ TEST_F(MenuTest, ASystemMenuIsDrawnThroughItsDialog) {
 
 TEST_F(MenuTest, LeavesNoObjectBehind) {
     const auto objects = [] {
-        return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS) + GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+        return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS) +
+               GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
     };
     const auto round = [&] {
         TcMenu one;

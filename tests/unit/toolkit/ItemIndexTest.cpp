@@ -44,7 +44,8 @@ TEST(ItemIndex, AddressesInEqualStepsSpread) {
     // Records of a pool lie in steps of their size.
     std::vector<char> pool(4096 * 4096);
     ItemIndex index;
-    for (int at = 0; at < 4096; ++at) ASSERT_TRUE(index.Insert(&pool[static_cast<std::size_t>(at) * 4096], at));
+    for (int at = 0; at < 4096; ++at)
+        ASSERT_TRUE(index.Insert(&pool[static_cast<std::size_t>(at) * 4096], at));
     for (int at = 0; at < 4096; ++at) ASSERT_EQ(index.Find(&pool[static_cast<std::size_t>(at) * 4096]), at);
 }
 

@@ -10,7 +10,8 @@ using Lines = std::vector<int>;
 TEST(ListLayout, EachGroupWithRowsHasAHeadingAboveThem) {
     const int groups[] = {1, 2, 3};
     const int rows[] = {3, 1, 3, 2, 1};
-    EXPECT_EQ(GroupedLines(rows, groups), (Lines{HeadingLine(0), 1, 4, HeadingLine(1), 3, HeadingLine(2), 0, 2}));
+    EXPECT_EQ(GroupedLines(rows, groups),
+              (Lines{HeadingLine(0), 1, 4, HeadingLine(1), 3, HeadingLine(2), 0, 2}));
 }
 
 TEST(ListLayout, AGroupWithoutRowsHasNoHeading) {

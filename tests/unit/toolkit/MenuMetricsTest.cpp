@@ -21,7 +21,10 @@ TEST(MenuMetrics, TheMnemonicIsTheCharacterBehindASingleMark) {
     EXPECT_EQ(MnemonicOf("Plain"), 0);
     EXPECT_EQ(MnemonicOf("End&"), 0);
     EXPECT_EQ(MnemonicOf(""), 0);
-    EXPECT_EQ(MnemonicOf("&\xdc" "ber"), 0xdc) << "a letter of the code page stays as it is";
+    EXPECT_EQ(MnemonicOf("&\xdc"
+                         "ber"),
+              0xdc)
+        << "a letter of the code page stays as it is";
 }
 
 TEST(MenuMetrics, ALabelIsReadOutWithoutItsMarks) {
