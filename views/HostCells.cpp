@@ -32,7 +32,6 @@ struct InspectionForm {
 constexpr InspectionForm kInspections[] = {
     {100, IDS_ACCESS_DENIED, 7}, {200, IDS_ACCESS_BLOCKED, 8}, {300, IDS_NO_ADMIN_ACCOUNT, 9}};
 constexpr int kInspectedIcon = 6;
-constexpr int kNoIcon = -1;
 
 // How the three known states are shown; any other one is shown nowhere.
 struct TrustForm {

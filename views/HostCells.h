@@ -32,7 +32,9 @@ TcString ShownInformation(const HostRecord& host, const VardelData& data, Module
 // The cell's text; the trust column has none.
 TcString HostCellText(const HostRecord& host, HostColumn column, const VardelData& data, ModuleHandle language);
 
-// Place in the view's image list; -1: none.
+inline constexpr int kNoIcon = -1;
+
+// Place in the view's image list, or kNoIcon.
 int HostCellIcon(const HostRecord& host, HostColumn column);
 
 struct RowColor {

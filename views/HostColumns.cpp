@@ -58,7 +58,6 @@ std::string HostViewCellText(const HostViewColumn& column, const HostRecord& hos
 }
 
 int HostViewCellIcon(const HostViewColumn& column, const HostRecord& host) {
-    constexpr int kNoIcon = -1;
     return column.plugin ? kNoIcon : HostCellIcon(host, column.fixed);
 }
 
