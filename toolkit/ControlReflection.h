@@ -1,25 +1,35 @@
-// Notifications of a control, offered first to the toolkit's object that serves the control.
+// The toolkit's object behind a control: it sees each message of the control first, and its dialog offers it
+// each notification of the control.
 //
-// The object is unbound before it or its control goes. Main thread.
+// The common controls' own subclassing looks a window's property up at each message, which on some systems is
+// a call to another process; a list of many rows is filled by many messages. Here it is a look into a table.
+// Main thread.
 #pragma once
 
 #include "platform/WindowsApi.h"
 
 namespace vardel {
 
-class NotifyReceiver {
+class ControlReceiver {
   public:
     // `data` is the notification's header. True when handled; `result` is then what the control gets.
     virtual bool OnReflectedNotify(LPARAM data, LRESULT& result) = 0;
+    // Gives the message's result, by CallControl for what it leaves to the control.
+    virtual LRESULT OnControlMessage(UINT message, WPARAM wParam, LPARAM lParam) = 0;
+    // The control is no more; nothing is bound to it by then.
+    virtual void OnControlGone() = 0;
 
   protected:
-    ~NotifyReceiver() = default;
+    ~ControlReceiver() = default;
 };
 
-// A control has one receiver, the last that was bound.
-void BindNotifyReceiver(HWND control, NotifyReceiver* receiver);
+// A control has one receiver, the last that was bound. False, and nothing bound, when the system refuses.
+bool BindReceiver(HWND control, ControlReceiver* receiver);
 // Nothing where another receiver is bound by now.
-void UnbindNotifyReceiver(HWND control, NotifyReceiver* receiver);
+void UnbindReceiver(HWND control, const ControlReceiver* receiver);
+
+// What the control itself makes of a message.
+LRESULT CallControl(HWND control, UINT message, WPARAM wParam, LPARAM lParam);
 
 // What a dialog calls with each WM_NOTIFY.
 bool ReflectNotify(HWND control, LPARAM data, LRESULT& result);

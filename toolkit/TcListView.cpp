@@ -10,7 +10,6 @@ namespace vardel {
 
 namespace {
 
-constexpr UINT_PTR kSubclassId = 0x5463;
 constexpr int kTitleSize = 200;
 constexpr int kImageEdge = 16;
 
@@ -35,8 +34,7 @@ int TextHeight(HDC dc, HGDIOBJ font) {
 }  // namespace
 
 TcListView::~TcListView() {
-    if (control_) RemoveWindowSubclass(control_, &TcListView::ControlProc, kSubclassId);
-    Release();
+    UnbindReceiver(control_, &link_);
 }
 
 int TcListView::GetItemGroup(void* item) {
@@ -53,20 +51,16 @@ bool TcListView::InitListView(ModuleHandle module, HWND control) {
 
 bool TcListView::SetHwnd(HWND control) {
     if (control == control_) return control != nullptr;
-    if (control_) RemoveWindowSubclass(control_, &TcListView::ControlProc, kSubclassId);
-    Release();
-    if (!control || !IsWindow(control)) return false;
-    if (!SetWindowSubclass(control, &TcListView::ControlProc, kSubclassId, reinterpret_cast<DWORD_PTR>(this)))
-        return false;
-    BindNotifyReceiver(control, &link_);
+    UnbindReceiver(control_, &link_);
+    Forget();
+    if (!control || !IsWindow(control) || !BindReceiver(control, &link_)) return false;
     control_ = control;
     const LONG_PTR style = GetWindowLongPtrA(control, GWL_STYLE);
     if (!(style & LVS_OWNERDRAWFIXED)) SetWindowLongPtrA(control, GWL_STYLE, style | LVS_OWNERDRAWFIXED);
     return true;
 }
 
-void TcListView::Release() {
-    UnbindNotifyReceiver(control_, &link_);
+void TcListView::Forget() {
     control_ = nullptr;
     showsHeadings_ = false;
     columns_.clear();
@@ -215,24 +209,13 @@ const std::string& TcListView::HeadingTitle(int line) const {
     return groups_[static_cast<std::size_t>(GroupOfHeading(lines_[static_cast<std::size_t>(line)]))].title;
 }
 
-LRESULT CALLBACK TcListView::ControlProc(HWND control, UINT message, WPARAM wParam, LPARAM lParam,
-                                         UINT_PTR id, DWORD_PTR self) {
-    auto* const list = reinterpret_cast<TcListView*>(self);
-    if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(control, &TcListView::ControlProc, id);
-        list->Release();
-        return DefSubclassProc(control, message, wParam, lParam);
-    }
-    return list->OnControlMessage(message, wParam, lParam);
-}
-
 LRESULT TcListView::OnControlMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (showsHeadings_ && message == WM_KEYDOWN) return MoveByKey(wParam, lParam);
     if (showsHeadings_ && (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) && IsOnHeading(lParam)) {
         SetFocus(control_);
         return 0;
     }
-    return DefSubclassProc(control_, message, wParam, lParam);
+    return CallControl(control_, message, wParam, lParam);
 }
 
 bool TcListView::IsOnHeading(LPARAM point) const {
@@ -243,13 +226,13 @@ bool TcListView::IsOnHeading(LPARAM point) const {
 
 // The keyboard steps over a heading: on in the key's direction, or back from one above the first row.
 LRESULT TcListView::MoveByKey(WPARAM key, LPARAM lParam) {
-    const LRESULT result = DefSubclassProc(control_, WM_KEYDOWN, key, lParam);
+    const LRESULT result = CallControl(control_, WM_KEYDOWN, key, lParam);
     const auto line = static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
     if (line < 0 || line >= static_cast<int>(lines_.size()) || RowOfLine(line) >= 0) return result;
     const bool isUp = (key == VK_UP || key == VK_PRIOR) && line > 0;
     const bool isMove =
         isUp || key == VK_UP || key == VK_PRIOR || key == VK_DOWN || key == VK_NEXT || key == VK_HOME;
-    return isMove ? DefSubclassProc(control_, WM_KEYDOWN, isUp ? VK_UP : VK_DOWN, lParam) : result;
+    return isMove ? CallControl(control_, WM_KEYDOWN, isUp ? VK_UP : VK_DOWN, lParam) : result;
 }
 
 // Selection

@@ -119,12 +119,16 @@ class TcListView {
     void ShowLastRow();
 
   private:
-    class Link final : public NotifyReceiver {
+    class Link final : public ControlReceiver {
       public:
         explicit Link(TcListView& list) : list_(list) {}
         bool OnReflectedNotify(LPARAM data, LRESULT& result) override {
             return list_.OnOwnNotify(data, result);
         }
+        LRESULT OnControlMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
+            return list_.OnControlMessage(message, wParam, lParam);
+        }
+        void OnControlGone() override { list_.Forget(); }
 
       private:
         TcListView& list_;
@@ -138,8 +142,6 @@ class TcListView {
     };
     struct Cell;
 
-    static LRESULT CALLBACK ControlProc(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                        DWORD_PTR self);
     LRESULT OnControlMessage(UINT message, WPARAM wParam, LPARAM lParam);
     bool OnOwnNotify(LPARAM data, LRESULT& result);
     bool AnswerText(NMLVDISPINFOA& asked);
@@ -147,7 +149,7 @@ class TcListView {
     const std::string& HeadingTitle(int line) const;
     LRESULT MoveByKey(WPARAM key, LPARAM lParam);
     bool IsOnHeading(LPARAM point) const;
-    void Release();
+    void Forget();
     void PutTitles();
     std::string TitleOf(u32 textId) const;
     int PutColumn(u32 textId, const char* title, int width, int format);
