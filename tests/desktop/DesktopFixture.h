@@ -155,14 +155,20 @@ class PlainWindow {
     const HWND window_;
 };
 
-// A picture in memory to draw into.
+// A picture in memory to draw into. Its pixels are read without asking the display.
 class Canvas {
   public:
     Canvas(int width, int height, COLORREF background = RGB(255, 0, 255)) : width_(width), height_(height) {
-        const HDC screen = GetDC(nullptr);
-        dc_ = CreateCompatibleDC(screen);
-        bitmap_ = CreateCompatibleBitmap(screen, width, height);
-        ReleaseDC(nullptr, screen);
+        BITMAPINFO shape{};
+        shape.bmiHeader.biSize = sizeof shape.bmiHeader;
+        shape.bmiHeader.biWidth = width;
+        shape.bmiHeader.biHeight = -height;  // from the top
+        shape.bmiHeader.biPlanes = 1;
+        shape.bmiHeader.biBitCount = 32;
+        void* pixels = nullptr;
+        dc_ = CreateCompatibleDC(nullptr);
+        bitmap_ = CreateDIBSection(dc_, &shape, DIB_RGB_COLORS, &pixels, nullptr, 0);
+        pixels_ = static_cast<const u32*>(pixels);
         old_ = SelectObject(dc_, bitmap_);
         const HBRUSH brush = CreateSolidBrush(background);
         const RECT all{0, 0, width, height};
@@ -178,7 +184,13 @@ class Canvas {
     Canvas& operator=(const Canvas&) = delete;
 
     HDC Dc() const { return dc_; }
-    COLORREF At(int x, int y) const { return GetPixel(dc_, x, y); }
+    // CLR_INVALID outside.
+    COLORREF At(int x, int y) const {
+        if (x < 0 || y < 0 || x >= width_ || y >= height_ || !pixels_) return CLR_INVALID;
+        GdiFlush();
+        const u32 pixel = pixels_[y * width_ + x];  // 0x00RRGGBB
+        return RGB(pixel >> 16 & 0xff, pixel >> 8 & 0xff, pixel & 0xff);
+    }
     // How many pixels of a part of the picture have a colour.
     int Count(COLORREF color, RECT part) const {
         int count = 0;
@@ -199,6 +211,7 @@ class Canvas {
   private:
     const int width_;
     const int height_;
+    const u32* pixels_ = nullptr;
     HDC dc_ = nullptr;
     HBITMAP bitmap_ = nullptr;
     HGDIOBJ old_ = nullptr;

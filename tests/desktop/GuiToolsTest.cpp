@@ -49,7 +49,7 @@ TEST(GuiTools, GreyIconsLeaveNoObjectBehind) {
                GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
     };
     const DWORD before = objects();
-    for (int round = 0; round < 200; ++round) UniqueIcon(TcGuiTools::CreateGrayScaleIcon(red.Get(), nullptr));
+    for (int round = 0; round < 40; ++round) UniqueIcon(TcGuiTools::CreateGrayScaleIcon(red.Get(), nullptr));
     EXPECT_LE(objects(), before + 4);
 }
 

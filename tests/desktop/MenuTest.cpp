@@ -317,7 +317,7 @@ TEST_F(MenuTest, LeavesNoObjectBehind) {
     };
     round();
     const DWORD before = objects();
-    for (int i = 0; i < 100; ++i) round();
+    for (int i = 0; i < 40; ++i) round();
     EXPECT_LE(objects(), before + 4);
 }
 
