@@ -225,11 +225,14 @@ class WinePrefix:
         self._children.clear()
 
     def use_virtual_desktop(self, size="1280x1024"):
-        """Windows live in one window of the display from now on: without a window manager each that comes or goes
-        would cost two seconds of waiting for one."""
-        key = "HKCU\\Software\\Wine\\Explorer"
-        self.run(["reg", "add", key, "/v", "Desktop", "/d", "Default", "/f"])
-        self.run(["reg", "add", key + "\\Desktops", "/v", "Default", "/d", size, "/f"])
+        """Windows live in one window of the display: without a window manager each that comes or goes would cost
+        two seconds of waiting for one. To be called before any program runs in the prefix, since the first one
+        brings the desktop up; therefore the registry's file is written, which no server has open yet."""
+        with open(os.path.join(self.path, "user.reg"), "a", encoding="ascii") as registry:
+            registry.write(
+                '\n[Software\\\\Wine\\\\Explorer]\n"Desktop"="Default"\n'
+                f'\n[Software\\\\Wine\\\\Explorer\\\\Desktops]\n"Default"="{size}"\n'
+            )
 
     def export_registry(self, key, path):
         """Writes `key` and all below it as a registry text file, as the registry editor exports it."""
