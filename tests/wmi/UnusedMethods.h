@@ -1,4 +1,5 @@
-// The WMI interfaces with every method answered by "not implemented", for doubles that answer a few of them.
+// Bases of the WMI doubles: each method that a double does not answer itself gives E_NOTIMPL, as a server does for
+// what it does not offer.
 #pragma once
 
 #include "platform/WindowsApi.h"
