@@ -1,9 +1,9 @@
 #!/usr/bin/python3
-"""Watches a network with the built program, with settings of its own: the second half of ./run.
+"""Watches a network with a built program, with settings of its own: the second half of ./run.
 
 Without --interface it watches the demo LAN: live between two network namespaces where the machine lets us make them,
-from a savefile replayed with its own timing elsewhere. Everything it makes (settings, namespaces, a Wine prefix, the
-savefile) is removed again, however it ends.
+from a savefile replayed with its own timing elsewhere, which only the program without windows can read. Everything it
+makes (settings, namespaces, a Wine prefix, a display, the savefile) is removed again, however it ends.
 """
 
 import argparse
@@ -21,16 +21,13 @@ ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 sys.path.insert(0, os.path.join(ROOT, "tests", "support"))
 
 import lan_namespace
+import run_desktop
 import settings_samples
 import watch_settings
-import wine_prefix
 
 DEMO_LAN = os.path.join(ROOT, "tools", "demo_lan", "demo_lan.py")
 LINUX_PROGRAM = os.path.join(ROOT, "build", "linux-release", "app", "vardelwatch")
-WINDOWS_BUILD = os.path.join(ROOT, "build", "windows-x64")
-WINDOWS_PROGRAM = os.path.join(WINDOWS_BUILD, "app", "vardelwatch.exe")
-POST_COMMAND = os.path.join(WINDOWS_BUILD, "tools", "post_command", "post_command.exe")
-WINE_PACKET = os.path.join(WINDOWS_BUILD, "tools", "wine_packet", "packet.dll")
+HEADLESS, DESKTOP = "headless", "desktop"
 DEMO_SAVEFILE_SECONDS = 120
 # The program gives its threads 15 s; past that it ends all the same.
 END_SECONDS = 25
@@ -43,6 +40,13 @@ DEMO_SETTINGS = {"AutoCapture": 1, "UsingEventLog": 1, "EventLogSave": 1, "Syslo
 # The demo LAN's one host that really answers: it is there and away by turns, and watched.
 WATCHED_IP = "10.77.0.60"
 WATCHED_TURN_SECONDS = 15
+# What the demo LAN's name server knows; hosts that announce themselves tell their names, of the others none is known.
+DEMO_NAMES = {"10.77.0.1": "gateway.valley.example", "10.77.0.2": "watchpost.valley.example",
+              "10.77.0.35": "switch.valley.example", "10.77.0.36": "phone-1.valley.example",
+              "10.77.0.37": "laser.valley.example", "10.77.0.40": "tv.valley.example",
+              "10.77.0.41": "speaker.valley.example", "10.77.0.42": "media.valley.example",
+              "10.77.0.43": "camera-door.valley.example", "10.77.0.44": "inkjet.valley.example",
+              "10.77.0.46": "lights.valley.example", "10.77.0.60": "visitor.valley.example"}
 REPORT_TEMPLATE = "dashboard.html.vdlt"
 REPORT_FOLDER = os.path.join(ROOT, "build", "reports")
 
@@ -51,7 +55,13 @@ def parse_arguments(arguments):
     parser = argparse.ArgumentParser(prog="./run", description="Watches the demo LAN, or a real adapter.")
     parser.add_argument("--seconds", type=float, help="end after that time (default: at Ctrl-C)")
     parser.add_argument("--interface", help="watch this adapter instead of the demo LAN")
-    parser.add_argument("--windows", action="store_true", help="run the Windows program under Wine")
+    parser.add_argument("--headless", dest="form", action="store_const", const=HEADLESS,
+                        help="run the Linux program, which has no windows, instead of the desktop program under Wine")
+    parser.add_argument("--screenshots", metavar="FOLDER", default=run_desktop.SCREENSHOT_FOLDER,
+                        help="where pictures of a virtual display go (default: build/screenshots)")
+    # Between ./run and this: which of the two programs is to be built, then which one was.
+    parser.add_argument("--tell-form", action="store_true", help=argparse.SUPPRESS)
+    parser.add_argument("--form", choices=(HEADLESS, DESKTOP), help=argparse.SUPPRESS)
     options = parser.parse_args(arguments)
     if options.seconds is not None and options.seconds <= 0:
         parser.error("--seconds must be above 0")
@@ -73,7 +83,7 @@ class Leave:
 
     def begin(self):
         """The time counts from here: what was prepared before isn't part of it."""
-        if self._seconds is not None:
+        if self._seconds is not None and self._deadline is None:
             self._deadline = time.monotonic() + self._seconds
 
     def is_due(self):
@@ -132,7 +142,7 @@ def start_demo_lan(stack, folder):
     reason = lan_namespace.unavailable_reason()
     if not reason:
         try:
-            lan = stack.enter_context(lan_namespace.LanNamespace())
+            lan = stack.enter_context(lan_namespace.LanNamespace(hosts=DEMO_NAMES))
             # Its own session: Ctrl-C is for the watching program, the wire is quiet only after it.
             lan.injector.start([sys.executable, "-B", DEMO_LAN, "inject", "--interface", lan.injector.interface,
                                 "--http-address", lan.injector.ip], stdin=subprocess.DEVNULL,
@@ -149,17 +159,18 @@ def start_demo_lan(stack, folder):
     return None, f"file://{path}"
 
 
-def wait_until_left(child, leave):
+def wait_until_left(has_ended, leave, meanwhile=lambda: None):
     """True when the program ended by itself before it was asked to."""
     leave.begin()
     while not leave.is_due():
-        if child.poll() is not None:
+        if has_ended():
             return True
+        meanwhile()
         time.sleep(LOOK_SECONDS)
-    return child.poll() is not None
+    return has_ended()
 
 
-def watch_on_linux(options, stack, folder, leave):
+def watch_headless(options, stack, folder, leave):
     namespace, interface = (None, options.interface) if options.interface else start_demo_lan(stack, folder)
     settings, lists = settings_of_run(interface, not options.interface, LINUX_PROGRAM, as_it_stands)
     environment = watch_settings.write_linux_folders(folder, settings, lists)
@@ -169,7 +180,7 @@ def watch_on_linux(options, stack, folder, leave):
     child = subprocess.Popen(namespace.words(words) if namespace else words, env={**os.environ, **environment},
                              stdin=subprocess.DEVNULL, start_new_session=True)
     try:
-        if not wait_until_left(child, leave):
+        if not wait_until_left(lambda: child.poll() is not None, leave):
             child.send_signal(signal.SIGTERM)
         return child.wait(END_SECONDS)
     finally:
@@ -178,50 +189,61 @@ def watch_on_linux(options, stack, folder, leave):
             child.wait()
 
 
-def ask_to_exit(wine, child):
-    """Gives the Exit command, again until it is taken: the window may not be there yet. False: it still runs."""
-    deadline = time.monotonic() + END_SECONDS
-    is_taken = False
-    while child.poll() is None and time.monotonic() < deadline:
-        if not is_taken:
-            # No pipes: Wine's own helpers, which a program may start, would hold them open.
-            post = wine.start([POST_COMMAND, watch_settings.EXIT_COMMAND], stdout=subprocess.DEVNULL,
-                              stderr=subprocess.DEVNULL)
-            with contextlib.suppress(subprocess.TimeoutExpired):
-                is_taken = post.wait(END_SECONDS) == 0
-        time.sleep(LOOK_SECONDS)
-    return child.poll() is not None
+def no_desktop_reason(options):
+    """Why the desktop program can't watch here; empty where it can."""
+    if options.interface:
+        return "" if os.geteuid() == 0 else "capturing under Wine needs root"
+    return lan_namespace.unavailable_reason()
 
 
-def watch_on_windows(options, stack, folder, leave):
+def form_of_run(options):
+    if options.form:
+        return options.form
+    reason = no_desktop_reason(options)
+    if reason:
+        print(f"The desktop program can't watch here ({reason}), so the program without windows does.",
+              file=sys.stderr)
+    return HEADLESS if reason else DESKTOP
+
+
+def watch_on_desktop(options, stack, folder, leave):
     if options.interface:
         namespace, interface = None, watch_settings.wine_device(options.interface)
     else:
-        namespace, interface = start_demo_lan(stack, folder)
+        namespace, _ = start_demo_lan(stack, folder)
         if namespace is None:
-            print("The Windows program needs a live interface, which this machine doesn't let us make.",
+            print("The desktop program needs a live interface, which this machine doesn't let us make.",
                   file=sys.stderr)
             return 1
         interface = watch_settings.wine_device_of_index(lan_namespace.INTERFACE_INDEX)
+    display = run_desktop.choose_display(stack, namespace)
     print("Preparing Wine ...", flush=True)
-    wine = stack.enter_context(wine_prefix.WinePrefix(namespace))
-    settings, lists = settings_of_run(interface, not options.interface, WINDOWS_PROGRAM, in_wine)
-    watch_settings.prepare_prefix(wine, folder, WINE_PACKET, settings, lists)
-    child = wine.start([WINDOWS_PROGRAM], start_new_session=True)
-    if not wait_until_left(child, leave) and not ask_to_exit(wine, child):
-        print("The Windows program did not end; it is ended with its Wine prefix.", file=sys.stderr)
+    settings, lists = settings_of_run(interface, not options.interface, run_desktop.PROGRAM, in_wine)
+    run = run_desktop.DesktopRun(stack, folder, namespace, display, settings, lists)
+    screenshots = run_desktop.Screenshots(display.frame_file, options.screenshots)
+    leave.begin()
+    run.give_command(watch_settings.VIEW_COMMAND, leave.is_due)
+    ended = wait_until_left(lambda: run.exit_code() is not None, leave, screenshots.take_when_due)
+    if not ended and not run.leave(END_SECONDS):
+        print("The desktop program did not end; it is ended with its Wine prefix.", file=sys.stderr)
         return 1
     # The Windows program's own exit code is 1 on all paths.
-    return 0 if child.returncode == 1 else 1
+    return 0 if run.exit_code() == 1 else 1
+
+
+WATCHES = {HEADLESS: watch_headless, DESKTOP: watch_on_desktop}
 
 
 def main(arguments=None):
     options = parse_arguments(arguments)
+    form = form_of_run(options)
+    if options.tell_form:
+        print(form)
+        return 0
     leave = Leave(options.seconds)
     with contextlib.ExitStack() as stack:
         folder = stack.enter_context(tempfile.TemporaryDirectory(prefix="vardelwatch-run-"))
-        watch = watch_on_windows if options.windows else watch_on_linux
-        return watch(options, stack, folder, leave)
+        return WATCHES[form](options, stack, folder, leave)
 
 
 if __name__ == "__main__":

@@ -204,6 +204,7 @@ class WindowsRun(_Run):
         super().__init__(namespace, folder, "vardelwatch.exe")
         self._wine = wine
         watch_settings.prepare_prefix(wine, folder, WINE_PACKET, settings, lists)
+        watch_settings.do_without_display(wine)
         self.log_path = os.path.join(wine.local_application_data, LOG_NAME)
 
     def start(self):

@@ -8,6 +8,7 @@ import os
 import shutil
 
 TREE = "HKEY_CURRENT_USER\\Software\\Ostrand Software\\Vardelwatch"
+VIEW_COMMAND = "40006"
 EXIT_COMMAND = "40004"
 
 
@@ -59,10 +60,13 @@ def wine_device(interface):
 
 
 def prepare_prefix(wine, folder, packet_library, settings, lists=None):
-    """Puts settings, packet.dll and a graphics driver without a display into a Wine prefix."""
+    """Puts settings and packet.dll into a Wine prefix."""
     path = os.path.join(folder, "settings.reg")
     write_registry_file(path, settings, lists)
     wine.import_registry(path)
     shutil.copy(packet_library, os.path.join(wine.drive_c, "windows", "system32", "packet.dll"))
-    # A window that nobody sees needs no display; without this Wine refuses to make it.
+
+
+def do_without_display(wine):
+    """For a prefix without a display: windows that nobody sees. Without this Wine refuses to make them."""
     wine.run(["reg", "add", "HKCU\\Software\\Wine\\Drivers", "/v", "Graphics", "/d", "null", "/f"])

@@ -54,6 +54,8 @@ def environment(prefix, display=None):
     result.update(ENVIRONMENT, WINEPREFIX=prefix, HOME=prefix)
     if display is not None:
         result["DISPLAY"] = display
+        # By default it is looked for in the home folder, which is the prefix from here on.
+        result.setdefault("XAUTHORITY", os.path.expanduser("~/.Xauthority"))
     return result
 
 
@@ -224,14 +226,15 @@ class WinePrefix:
                     stream.close()
         self._children.clear()
 
-    def use_virtual_desktop(self, size="1280x1024"):
+    def use_virtual_desktop(self, size="1280x1024", name="Default"):
         """Windows live in one window of the display: without a window manager each that comes or goes would cost
-        two seconds of waiting for one. To be called before any program runs in the prefix, since the first one
-        brings the desktop up; therefore the registry's file is written, which no server has open yet."""
+        two seconds of waiting for one. The desktop of the name "shell" has a taskbar with the tray. To be called
+        before any program runs in the prefix, since the first one brings the desktop up; therefore the registry's
+        file is written, which no server has open yet."""
         with open(os.path.join(self.path, "user.reg"), "a", encoding="ascii") as registry:
             registry.write(
-                '\n[Software\\\\Wine\\\\Explorer]\n"Desktop"="Default"\n'
-                f'\n[Software\\\\Wine\\\\Explorer\\\\Desktops]\n"Default"="{size}"\n'
+                f'\n[Software\\\\Wine\\\\Explorer]\n"Desktop"="{name}"\n'
+                f'\n[Software\\\\Wine\\\\Explorer\\\\Desktops]\n"{name}"="{size}"\n'
             )
 
     def export_registry(self, key, path):
@@ -248,13 +251,21 @@ class VirtualDisplay:
     def __init__(self, size="1280x1024x24"):
         self._size = size
         self._server = None
+        self._frames = None
         self.name = ""
 
+    @property
+    def frame_file(self):
+        """Where the server keeps its pixels, see display_picture."""
+        return os.path.join(self._frames.name, "Xvfb_screen0")
+
     def __enter__(self):
+        self._frames = tempfile.TemporaryDirectory(prefix="vardelwatch-display-")
         read_end, write_end = os.pipe()
         try:
             self._server = subprocess.Popen(
-                ("Xvfb", "-displayfd", str(write_end), "-screen", "0", self._size, "-nolisten", "tcp"),
+                ("Xvfb", "-displayfd", str(write_end), "-screen", "0", self._size, "-nolisten", "tcp",
+                 "-fbdir", self._frames.name),
                 pass_fds=(write_end,),
                 stdin=subprocess.DEVNULL,
                 stdout=subprocess.DEVNULL,
@@ -280,3 +291,5 @@ class VirtualDisplay:
             except subprocess.TimeoutExpired:
                 self._server.kill()
                 self._server.wait()
+        if self._frames is not None:
+            self._frames.cleanup()
