@@ -20,6 +20,7 @@
 #include "frame/RunReport.h"
 #include "frame/ShellTrayIcon.h"
 #include "frame/TrayMenus.h"
+#include "views/VardelViewDlg.h"
 
 namespace vardel {
 
@@ -42,6 +43,7 @@ class VardelGui : public VardelFrame, private AlertSurface {
     // While the message loop runs.
     const ShellTrayIcon& Tray() const { return tray_; }
     const TrayMenus& Menus() const { return menus_; }
+    VardelViewDlg& View() { return view_; }
     AlertSurface& Surface() { return *this; }
 
   private:
@@ -92,6 +94,7 @@ class VardelGui : public VardelFrame, private AlertSurface {
     WindowSet PresentWindows() const;
     WindowSet OpenWindows() const;
     void CarryOut(const WindowDeed& deed);
+    void OpenWindow(ProgramWindow window);
 
     RunReport report_;
     AlertLines lines_;
@@ -105,6 +108,7 @@ class VardelGui : public VardelFrame, private AlertSurface {
     ShellTrayIcon tray_;
     TrayMenus menus_;
     AboutBox about_;
+    VardelViewDlg view_;
     std::array<TcDialog*, kProgramWindows> windows_{};
     std::unique_ptr<NotifyPopup> hostPopup_, watchPopup_, syslogPopup_;
     bool built_ = false;

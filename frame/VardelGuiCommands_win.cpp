@@ -62,6 +62,7 @@ void VardelGui::SelectLanguage(u32 menuId) {
     const LanguageEntry* chosen = FindOfferedLanguage(*data_, menuId);
     if (!chosen) return;
     language_ = chosen->module;
+    view_.SetLanguage(language_);
     if (tick_) tick_->SetLanguage(language_);
     menus_.Build(*data_, language_, images_);
     TakeLanguage(*data_, *chosen);
@@ -83,7 +84,14 @@ WindowSet VardelGui::OpenWindows() const {
 
 void VardelGui::CarryOut(const WindowDeed& deed) {
     TcDialog* window = windows_[static_cast<std::size_t>(deed.window)];
-    if (window && deed.kind == WindowDeed::Kind::BringToFront) BringToFront(window->GetHwnd());
+    if (!window) return;
+    if (deed.kind == WindowDeed::Kind::BringToFront) BringToFront(window->GetHwnd());
+    else OpenWindow(deed.window);
+}
+
+// Comes back when the user has closed the window.
+void VardelGui::OpenWindow(ProgramWindow window) {
+    if (window == ProgramWindow::View) view_.Open(*data_, images_);
 }
 
 }  // namespace vardel

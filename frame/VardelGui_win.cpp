@@ -42,7 +42,9 @@ int ControlsMajor(TcSystemInfo* system) { return system ? system->DetectComCtrlV
 void VardelGui::SystemInfoDeleter::operator()(TcSystemInfo* info) const { TcSystemInfo::DestroyObject(info); }
 
 VardelGui::VardelGui(std::FILE* output)
-    : report_(output), lines_(output, SystemDesktopNotice()), systemInfo_(TcSystemInfo::CreateObject()) {}
+    : report_(output), lines_(output, SystemDesktopNotice()), systemInfo_(TcSystemInfo::CreateObject()) {
+    windows_[static_cast<std::size_t>(ProgramWindow::View)] = &view_;
+}
 
 VardelGui::~VardelGui() = default;
 
@@ -62,6 +64,7 @@ bool VardelGui::CreateApp(VardelData& data, Vardel& app) {
     data_ = &data;
     language_ = data.resourceInstance;
     images_ = data.programInstance;
+    view_.SetLanguage(language_);
     INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES};
     InitCommonControlsEx(&controls);
     const HINSTANCE instance = TcGuiTools::Instance(data.programInstance);

@@ -215,7 +215,33 @@ LRESULT TcListView::OnControlMessage(UINT message, WPARAM wParam, LPARAM lParam)
         SetFocus(control_);
         return 0;
     }
+    if (message == WM_NOTIFY && FitAsAsked(lParam)) return 0;
+    constexpr LPARAM kByKey = -1;
+    if (message == WM_CONTEXTMENU && lParam == kByKey && showMenu_) return showMenu_(MenuPlace()), 0;
     return CallControl(control_, message, wParam, lParam);
+}
+
+// The header tells its list first.
+bool TcListView::FitAsAsked(LPARAM notification) {
+    const auto* header = reinterpret_cast<const NMHDR*>(notification);
+    const bool isAsked = header->code == HDN_DIVIDERDBLCLICKA || header->code == HDN_DIVIDERDBLCLICKW;
+    if (!isAsked || !fit_) return false;
+    fit_(reinterpret_cast<const NMHEADERA*>(notification)->iItem);
+    return true;
+}
+
+// Below the row that has the focus, as far as it can be seen; else the list's corner.
+POINT TcListView::MenuPlace() const {
+    RECT row{}, client{};
+    row.left = LVIR_LABEL;
+    GetClientRect(control_, &client);
+    const LRESULT line = Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED);
+    POINT place{client.left, client.top};
+    if (line >= 0 && SendRecord(LVM_GETITEMRECT, static_cast<WPARAM>(line), row) && row.bottom > client.top &&
+        row.bottom < client.bottom)
+        place = {std::max(row.left, client.left), row.bottom - 1};
+    ClientToScreen(control_, &place);
+    return place;
 }
 
 bool TcListView::IsOnHeading(LPARAM point) const {

@@ -74,6 +74,11 @@ class TcListView {
     using TextOf = std::function<bool(void* item, TcString& text)>;
     void FitColumn(int column, int extra, const TextOf& textOf);
 
+    // What the user asks of the list beyond its rows: a column's divider was clicked twice (the system would measure
+    // texts that it doesn't have), and the menu key was pressed, with the point of the screen at which a menu belongs.
+    void OnDividerDoubleClick(std::function<void(int column)> fit) { fit_ = std::move(fit); }
+    void OnMenuKey(std::function<void(POINT screen)> show) { showMenu_ = std::move(show); }
+
     // Switches the groups on. `title` is copied.
     bool AddGroup(int id, const char* title);
     // True when the list shows the groups itself.
@@ -143,6 +148,8 @@ class TcListView {
     struct Cell;
 
     LRESULT OnControlMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    bool FitAsAsked(LPARAM notification);
+    POINT MenuPlace() const;
     bool OnOwnNotify(LPARAM data, LRESULT& result);
     bool AnswerText(NMLVDISPINFOA& asked);
     void KeepHeadingUnselected(const NMLISTVIEW& change);
@@ -192,6 +199,8 @@ class TcListView {
     std::vector<Row> rows_;
     std::vector<int> lines_;        // of the control, where headings are shown: see ListLayout.h
     std::vector<int> linesOfRows_;  // the other way round; empty where no headings are shown
+    std::function<void(int)> fit_;
+    std::function<void(POINT)> showMenu_;
     bool changing_ = false;         // lines and rows are being brought in line
     ItemIndex index_;
 };

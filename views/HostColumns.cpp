@@ -42,10 +42,12 @@ void AddPluginColumns(std::vector<HostViewColumn>& columns, PluginTable& plugins
 
 }  // namespace
 
-std::vector<HostViewColumn> HostViewColumns(VardelData& data, ModuleHandle language, const ColumnWidths& kept) {
+std::vector<HostViewColumn> HostViewColumns(VardelData& data, ModuleHandle language, const ColumnWidths& kept,
+                                            int dpi) {
     std::vector<HostViewColumn> columns;
     AddFixedColumns(columns, data, language);
     AddPluginColumns(columns, data.plugins);
+    for (HostViewColumn& column : columns) column.width = ScaledForDpi(column.width, dpi);
     if (data.settings.SaveColumnWidth)
         for (HostViewColumn& column : columns) column.width = kept.WidthOf(column.title, column.width);
     return columns;
@@ -69,11 +71,11 @@ int CompareInColumn(const HostViewColumn& column, const HostRecord& first, const
     return ascending ? order : -order;
 }
 
-int FittingWidth(const HostViewColumn& column, int widestText) {
-    if (!column.plugin && column.fixed == HostColumn::Trust) return kTrustWidth;
+int FittingWidth(const HostViewColumn& column, int widestText, int dpi) {
+    if (!column.plugin && column.fixed == HostColumn::Trust) return ScaledForDpi(kTrustWidth, dpi);
     if (widestText <= 0) return kWidthOfHeader;
     const bool hasIcon = !column.plugin && column.fixed == HostColumn::Information;
-    return widestText + kTextMargin + (hasIcon ? kIconPlace : 0);
+    return widestText + ScaledForDpi(kTextMargin + (hasIcon ? kIconPlace : 0), dpi);
 }
 
 }  // namespace vardel

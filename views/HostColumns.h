@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "toolkit/PixelRect.h"
 #include "views/HostCells.h"
 
 namespace vardel {
@@ -34,8 +35,9 @@ class ColumnWidths {
 };
 
 // In their order from left to right. Kept widths count only while the settings say so. `language`: the module of the
-// view's texts.
-std::vector<HostViewColumn> HostViewColumns(VardelData& data, ModuleHandle language, const ColumnWidths& kept);
+// view's texts. `dpi`: dots per inch of the display, for which the default widths are scaled; kept ones are as they were.
+std::vector<HostViewColumn> HostViewColumns(VardelData& data, ModuleHandle language, const ColumnWidths& kept,
+                                            int dpi = kPlainDpi);
 
 std::string HostViewCellText(const HostViewColumn& column, const HostRecord& host, const VardelData& data,
                              ModuleHandle language);
@@ -48,6 +50,6 @@ int CompareInColumn(const HostViewColumn& column, const HostRecord& first, const
 
 // The width for a column whose widest text takes so many pixels, when its divider is clicked twice.
 constexpr int kWidthOfHeader = -1;  // the column is as wide as its header
-int FittingWidth(const HostViewColumn& column, int widestText);
+int FittingWidth(const HostViewColumn& column, int widestText, int dpi = kPlainDpi);
 
 }  // namespace vardel

@@ -17,13 +17,15 @@ namespace vardel {
 
 class VardelViewDlg : public TcDialog {
   public:
-    VardelViewDlg() : list_(*this) {}
+    VardelViewDlg();
     ~VardelViewDlg() override = default;
 
     // Shows the view until the user closes it. `images`: the program's own module.
     void Open(VardelData& data, ModuleHandle images);
     // The texts of the next opening; those of an open view's headers at once.
     void SetLanguage(ModuleHandle language);
+    // The next click on a header sorts in the other direction.
+    bool SortsAscending() const { return ascending_; }
 
     bool OnInitDialog(LPARAM param) override;
     bool OnCommand(int id, int notification, HWND control) override;
@@ -46,11 +48,12 @@ class VardelViewDlg : public TcDialog {
     void BuildMenus();
     void EnableLayout();
     void RestorePlace();
-    void KeepPlace();
+    void StorePlace();
     void KeepWidths();
     void ReleaseMenus();
 
     void Refresh();
+    void ShowFresh(int first);
     void ShowCount(u32 hosts);
     void SortBy(int column);
     void FitColumn(int column);
@@ -58,7 +61,8 @@ class VardelViewDlg : public TcDialog {
     void ChangeTrust(TrustState state);
     void DeleteSelected();
 
-    void ShowContextMenu();
+    void OnListKey(int key);
+    void ShowContextMenu(POINT place, HostRecord* clicked);
     void FillPluginMenu();
     void FillApplicationMenu();
     void MarkMenu(const HostRecord* clicked);
@@ -79,7 +83,8 @@ class VardelViewDlg : public TcDialog {
     UniqueIcon smallIcon_, largeIcon_;
     HostRows rows_;
     VardelViewList list_;
-    bool ascending_ = false;  // one direction for all columns
+    RECT place_{};            // at the last closing
+    bool ascending_ = false;  // one direction for all columns, as long as the program runs
 };
 
 }  // namespace vardel

@@ -40,11 +40,23 @@ constexpr FollowingControl kFollowers[] = {{IDC_HOST_LIST, kFills},
 
 }  // namespace
 
+VardelViewDlg::VardelViewDlg() : list_(*this) {
+    list_.OnDividerDoubleClick([this](int column) { FitColumn(column); });
+    list_.OnMenuKey([this](POINT place) {
+        const std::vector<HostRecord*> selected = SelectedHosts();
+        ShowContextMenu(place, selected.empty() ? nullptr : selected.front());
+    });
+}
+
 void VardelViewDlg::Open(VardelData& data, ModuleHandle images) {
     data_ = &data;
     images_ = images;
+    place_ = {};
     SetDialogIdent(IDD_HOST_VIEW);
     ShowDialogModal(0);
+    ReleaseMenus();
+    rows_.Clear();
+    StorePlace();
 }
 
 void VardelViewDlg::SetLanguage(ModuleHandle language) {
@@ -80,7 +92,7 @@ void VardelViewDlg::BuildList() {
     list_.InitListView(GetResInstance(), GetControl(IDC_HOST_LIST));
     list_.SetLook(kListStylesWithImages);
     list_.SetSelectFirstColumn(false);
-    columns_ = HostViewColumns(*data_, GetResInstance(), widths_);
+    columns_ = HostViewColumns(*data_, GetResInstance(), widths_, TcGuiTools::Dpi());
     for (const HostViewColumn& column : columns_) {
         const bool isFixed = column.plugin == nullptr;
         const int added = isFixed ? list_.AddColumn(FormOf(column.fixed).titleId, column.width, column.format)
@@ -115,17 +127,25 @@ void VardelViewDlg::EnableLayout() {
     SetMinimumSize(kLeastWidth, kLeastHeight);
 }
 
+// The list is told its size in any case: it lays out its header and scroll bars by that.
 void VardelViewDlg::RestorePlace() {
-    if (!data_->settings.SaveViewWindow) return;
-    const ViewRectangle place = data_->settings.SavedViewWindowDimension.Read();
-    if (IsUsableRectangle(place)) SetSizeAndPosition({place.left, place.top, place.right, place.bottom});
+    if (data_->settings.SaveViewWindow) {
+        const ViewRectangle place = data_->settings.SavedViewWindowDimension.Read();
+        if (IsUsableRectangle(place)) SetSizeAndPosition({place.left, place.top, place.right, place.bottom});
+    }
+    RECT list{};
+    GetWindowRect(list_.GetHwnd(), &list);
+    MapWindowPoints(nullptr, GetHwnd(), reinterpret_cast<POINT*>(&list), 2);
+    SetWindowPos(list_.GetHwnd(), nullptr, list.left, list.top, list.right - list.left, list.bottom - list.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
 }
 
-void VardelViewDlg::KeepPlace() {
-    RECT place{};
-    if (!data_->settings.SaveViewWindow || !GetSizeAndPosition(place)) return;
-    data_->settings.SavedViewWindowDimension.Write({static_cast<i32>(place.left), static_cast<i32>(place.top),
-                                                    static_cast<i32>(place.right), static_cast<i32>(place.bottom)});
+// A view that went with the program's end has no place to tell.
+void VardelViewDlg::StorePlace() {
+    const ViewRectangle place{static_cast<i32>(place_.left), static_cast<i32>(place_.top),
+                              static_cast<i32>(place_.right), static_cast<i32>(place_.bottom)};
+    if (!data_->settings.SaveViewWindow || !IsUsableRectangle(place)) return;
+    data_->settings.SavedViewWindowDimension.Write(place);
     data_->settings.WriteSavedViewWindowDimension();
 }
 
@@ -141,7 +161,7 @@ void VardelViewDlg::OnClose() {
     list_.RemoveAllRows();
     rows_.Clear();
     KeepWidths();
-    KeepPlace();
+    if (!GetSizeAndPosition(place_)) place_ = {};
     ExitDialog(false);
 }
 
@@ -157,12 +177,20 @@ void VardelViewDlg::Refresh() {
         for (const RowChanges::NewGroup& change : changes.regrouped) groups.push_back({change.row, change.group});
         list_.SetGroups(groups);
     }
-    std::vector<TcListView::Row> fresh;
-    for (int row = changes.firstInserted; row < rows_.Count(); ++row)
-        fresh.push_back({rows_.HostAt(row), rows_.GroupAt(row)});
-    if (!fresh.empty()) list_.AddRows(fresh);
+    ShowFresh(changes.firstInserted);
     ShowCount(changes.hosts);
     if (changes.repaint) list_.RedrawRows();
+}
+
+// A host whose row the control refuses is left out; the next refresh tries again.
+void VardelViewDlg::ShowFresh(int first) {
+    std::vector<TcListView::Row> fresh;
+    for (int row = first; row < rows_.Count(); ++row) fresh.push_back({rows_.HostAt(row), rows_.GroupAt(row)});
+    if (fresh.empty() || list_.AddRows(fresh) == static_cast<int>(fresh.size())) return;
+    std::vector<HostRecord*> refused;
+    for (const TcListView::Row& row : fresh)
+        if (list_.RowOfItem(row.item) < 0) refused.push_back(static_cast<HostRecord*>(row.item));
+    rows_.Remove(refused);
 }
 
 // Only when it differs, so that nothing flickers and no screen reader speaks once a second.
@@ -186,11 +214,13 @@ void VardelViewDlg::SortBy(int column) {
 void VardelViewDlg::FitColumn(int column) {
     const HostViewColumn* clicked = ColumnAt(column);
     if (!clicked) return;
-    const int extra = FittingWidth(*clicked, 1) - 1;
+    const int dpi = TcGuiTools::Dpi();
     if (!clicked->plugin && clicked->fixed == HostColumn::Trust) {
-        list_.SetColumnWidth(column, FittingWidth(*clicked, 0));
+        list_.SetColumnWidth(column, FittingWidth(*clicked, 0, dpi));
         return;
     }
+    constexpr int kAnyText = 1;
+    const int extra = FittingWidth(*clicked, kAnyText, dpi) - kAnyText;
     list_.FitColumn(column, extra,
                     [&](void* item, TcString& text) { return list_.GetItemText(column, item, text); });
 }

@@ -74,19 +74,23 @@ bool VardelViewDlg::OnDrawItem(int id, DRAWITEMSTRUCT* item) {
 }
 
 ULONG_PTR VardelViewDlg::OnNotify(int id, LPARAM data) {
-    const auto* header = reinterpret_cast<const NMHDR*>(data);
-    if (header->code == HDN_DIVIDERDBLCLICKA || header->code == HDN_DIVIDERDBLCLICKW) {
-        FitColumn(reinterpret_cast<const NMHEADERA*>(data)->iItem);
-        return TRUE;
-    }
     if (id != IDC_HOST_LIST) return 0;
-    if (header->code == static_cast<UINT>(LVN_COLUMNCLICK))
-        SortBy(reinterpret_cast<const NMLISTVIEW*>(data)->iSubItem);
-    if (header->code == static_cast<UINT>(NM_RCLICK)) ShowContextMenu();
-    if (header->code == static_cast<UINT>(LVN_KEYDOWN) &&
-        reinterpret_cast<const NMLVKEYDOWN*>(data)->wVKey == 'A' && GetKeyState(VK_CONTROL) < 0)
-        list_.SelectAll();
+    switch (reinterpret_cast<const NMHDR*>(data)->code) {
+        case LVN_COLUMNCLICK: SortBy(reinterpret_cast<const NMLISTVIEW*>(data)->iSubItem); break;
+        case LVN_KEYDOWN: OnListKey(reinterpret_cast<const NMLVKEYDOWN*>(data)->wVKey); break;
+        case NM_RCLICK: {
+            POINT cursor{};
+            GetCursorPos(&cursor);
+            ShowContextMenu(cursor, static_cast<HostRecord*>(list_.ItemAtPoint(cursor)));
+            return TRUE;  // the system need not ask for a menu any more
+        }
+        default: break;
+    }
     return 0;
+}
+
+void VardelViewDlg::OnListKey(int key) {
+    if (key == 'A' && GetKeyState(VK_CONTROL) < 0) list_.SelectAll();
 }
 
 void VardelViewDlg::FillPluginMenu() {
@@ -106,18 +110,20 @@ void VardelViewDlg::MarkMenu(const HostRecord* clicked) {
         EnableMenuItem(popup_, item.id, MF_BYCOMMAND | (item.enabled ? MF_ENABLED : MF_GRAYED));
         CheckMenuItem(popup_, item.id, MF_BYCOMMAND | (item.checked ? MF_CHECKED : MF_UNCHECKED));
     }
+    // A submenu that offers nothing doesn't open.
+    const UINT plugins = offeredPlugins_.empty() ? MF_GRAYED : MF_ENABLED;
+    const UINT applications = offeredApplications_.empty() ? MF_GRAYED : MF_ENABLED;
+    EnableMenuItem(popup_, IDM_PLUGINS_POSITION, MF_BYPOSITION | plugins);
+    EnableMenuItem(popup_, IDM_APPLICATIONS_POSITION, MF_BYPOSITION | applications);
 }
 
-void VardelViewDlg::ShowContextMenu() {
+void VardelViewDlg::ShowContextMenu(POINT place, HostRecord* clicked) {
     if (!popup_) return;
-    POINT cursor{};
-    GetCursorPos(&cursor);
-    auto* clicked = static_cast<HostRecord*>(list_.ItemAtPoint(cursor));
     FillPluginMenu();
     FillApplicationMenu();
     MarkMenu(clicked);
     const BOOL chosen =
-        TrackPopupMenu(popup_, TPM_RETURNCMD | TPM_RIGHTBUTTON, cursor.x, cursor.y, 0, GetHwnd(), nullptr);
+        TrackPopupMenu(popup_, TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y, 0, GetHwnd(), nullptr);
     if (chosen) RunMenuCommand(static_cast<u32>(chosen), clicked);
     offeredPlugins_.clear();
     offeredApplications_.clear();
