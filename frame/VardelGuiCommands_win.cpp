@@ -38,7 +38,10 @@ void VardelGui::OnCommand(u32 command) {
         case kSilentCommand: SwitchSilentMode(data_->settings); break;
         case kAboutCommand: ShowAbout(); break;
         case kHelpCommand: OpenHelp(); break;
-        case kExitCommand: PostQuitMessage(0); break;
+        case kExitCommand:
+            EndMenu();  // one that is open would keep the loop
+            PostQuitMessage(0);
+            break;
         default: break;
     }
 }
