@@ -28,6 +28,8 @@ import wine_prefix
 
 LOGS = os.path.join(ROOT, "build", "logs")
 FUZZ_SECONDS = 5
+# Of vardelwatch.exe, without the language modules.
+PROGRAM_BYTES = 3_000_000
 TEST_SECONDS = 900
 BUILD_SECONDS = 3000
 TAIL_LINES = 60
@@ -99,6 +101,14 @@ def count_unittest(text, code):
     if code != 0 and bad == 0:
         bad = 1
     return max(int(ran.group(1)) - bad - skipped, 0), bad
+
+
+def size_problem(path, limit=PROGRAM_BYTES):
+    """What is wrong with a program file's size; empty where nothing is."""
+    if not os.path.exists(path):
+        return f"{path} is missing"
+    size = os.path.getsize(path)
+    return "" if size < limit else f"{path} has {size:,} bytes"
 
 
 class Checks:
@@ -175,6 +185,11 @@ class Checks:
                 code, text = run(["wine", *command], f"{preset}.{name}", TEST_SECONDS, env=environment, cwd=folder)
                 self.count(f"{preset} {name}", command, report, code, text)
 
+    def program_size(self, preset):
+        told = size_problem(os.path.join(ROOT, "build", preset, "app", "vardelwatch.exe"))
+        self.tally.add(f"{preset} vardelwatch.exe has less than {PROGRAM_BYTES:,} bytes", int(not told), int(bool(told)),
+                       told)
+
     # Fuzzing
 
     def fuzz(self):
@@ -219,11 +234,13 @@ class Checks:
 
     def windows_x64(self):
         if self.build("windows-x64"):
+            self.program_size("windows-x64")
             self.run_under_wine("windows-x64")
 
     def windows_x86(self):
         # There is no 32-bit Wine to run it under; that it compiles and links is what is checked.
-        self.build("windows-x86", ["vardelwatch"])
+        if self.build("windows-x86", ["vardelwatch"]):
+            self.program_size("windows-x86")
 
     # The end-to-end tests of linux-release use the Windows program too, so that is built before.
     STEPS = {"structure": structure, "linux-asan": linux_asan, "windows-x64": windows_x64,

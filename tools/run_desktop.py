@@ -90,6 +90,7 @@ class DesktopRun:
 
     def __init__(self, stack, folder, namespace, display, settings, lists, size=DESKTOP_SIZE):
         self._wine = stack.enter_context(wine_prefix.WinePrefix(namespace, display.name))
+        self._wine.use_wine_fonts()
         self._wine.use_virtual_desktop(size, DESKTOP_NAME)
         watch_settings.prepare_prefix(self._wine, folder, WINE_PACKET, settings, lists)
         # The terminal's Ctrl-C is for the runner alone.

@@ -68,6 +68,19 @@ class RunTest(unittest.TestCase):
         self.assertEqual(code, -1)
 
 
+class ProgramSizeTest(unittest.TestCase):
+    def test_is_right_below_the_limit_alone(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "program.exe")
+            with open(path, "wb") as out:
+                out.write(bytes(1000))
+            self.assertEqual(run_checks.size_problem(path, 1001), "")
+            self.assertIn("1,000 bytes", run_checks.size_problem(path, 1000))
+
+    def test_a_missing_program_is_a_failure(self):
+        self.assertIn("missing", run_checks.size_problem("/nowhere/program.exe"))
+
+
 class StructureRulesTest(unittest.TestCase):
     def places(self, check, **files):
         """What `check` finds in a tree of these files."""

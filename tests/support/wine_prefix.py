@@ -8,6 +8,7 @@ so it must not be running elsewhere.
 
 import contextlib
 import fcntl
+import glob
 import os
 import re
 import secrets
@@ -19,6 +20,7 @@ import tempfile
 import orderly_exit
 
 PROJECT_ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+WINE_FONTS = "/usr/share/wine/fonts"
 COMMAND_SECONDS = 120
 END_SECONDS = 20
 # Folders of the template whose files no program changes and that are most of its size: copies link to them.
@@ -225,6 +227,14 @@ class WinePrefix:
                 if stream is not None:
                     stream.close()
         self._children.clear()
+
+    def use_wine_fonts(self):
+        """Texts come in Tahoma, as on Windows, and title bars have their signs: those are Wine's own fonts, which
+        Debian's Wine doesn't find by itself. To be called before any program runs in the prefix."""
+        for path in glob.glob(os.path.join(WINE_FONTS, "*.[tf]*")):
+            target = os.path.join(self.drive_c, "windows", "Fonts", os.path.basename(path))
+            if not os.path.exists(target):
+                os.symlink(path, target)
 
     def use_virtual_desktop(self, size="1280x1024", name="Default"):
         """Windows live in one window of the display: without a window manager each that comes or goes would cost
