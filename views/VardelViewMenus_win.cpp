@@ -3,6 +3,7 @@
 
 #include "plugins/PluginCalls.h"
 #include "resources/DialogIds.h"
+#include "resources/IconIds.h"
 #include "resources/MenuIds.h"
 #include "toolkit/TcGuiTools.h"
 #include "views/ApplicationLaunch.h"
@@ -44,6 +45,9 @@ void VardelViewDlg::BuildMenus() {
     applications_ = GetSubMenu(popup_, IDM_APPLICATIONS_POSITION);
     filter_ = GetSubMenu(popup_, IDM_FILTER_POSITION);
     contextMenu_.InitMenu(GetResInstance(), popup_, images_);
+    contextMenu_.SetImage(IDM_SET_TRUSTED, IDI_TRUSTED);
+    contextMenu_.SetImage(IDM_SET_DISTRUSTED, IDI_DISTRUSTED);
+    contextMenu_.SetImage(IDM_SET_UNKNOWN, IDI_UNKNOWN);
     filterMenu_.InitMenu(GetResInstance(), filter_, images_);
     systemMenu_.InitMenu(GetResInstance(), GetSystemMenu(GetHwnd(), FALSE), images_);
 }
@@ -81,7 +85,8 @@ ULONG_PTR VardelViewDlg::OnNotify(int id, LPARAM data) {
         case NM_RCLICK: {
             POINT cursor{};
             GetCursorPos(&cursor);
-            ShowContextMenu(cursor, static_cast<HostRecord*>(list_.ItemAtPoint(cursor)));
+            const int row = list_.RowOfLine(reinterpret_cast<const NMITEMACTIVATE*>(data)->iItem);
+            ShowContextMenu(cursor, static_cast<HostRecord*>(list_.ItemOfRow(row)));
             return TRUE;  // the system need not ask for a menu any more
         }
         default: break;
