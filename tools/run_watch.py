@@ -11,6 +11,7 @@ import contextlib
 import itertools
 import os
 import signal
+import struct
 import subprocess
 import sys
 import tempfile
@@ -18,8 +19,9 @@ import threading
 import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-sys.path.insert(0, os.path.join(ROOT, "tests", "support"))
+sys.path[:0] = [os.path.join(ROOT, "tests", "support"), os.path.join(ROOT, "tools", "demo_lan")]
 
+import lan_description
 import lan_namespace
 import run_desktop
 import settings_samples
@@ -47,6 +49,12 @@ DEMO_NAMES = {"10.77.0.1": "gateway.valley.example", "10.77.0.2": "watchpost.val
               "10.77.0.41": "speaker.valley.example", "10.77.0.42": "media.valley.example",
               "10.77.0.43": "camera-door.valley.example", "10.77.0.44": "inkjet.valley.example",
               "10.77.0.46": "lights.valley.example", "10.77.0.60": "visitor.valley.example"}
+TRUSTED = (1, 10, 13, 14, 17, 21, 23, 24, 25, 35)
+DISTRUSTED = (15, 20, 38)
+# All columns of the host view, all groups, and popups rather than balloons, which Wine shows late.
+DESKTOP_SETTINGS = {"Visualization": 0, "VisibleColumns": 11111, "UseWMI": 1, "ViewHideSecure": 0,
+                    "ViewFilterOptions": 7, "SaveViewWindow": 1}
+VIEW_PLACE = (8, 8, 1016, 620)
 REPORT_TEMPLATE = "dashboard.html.vdlt"
 REPORT_FOLDER = os.path.join(ROOT, "build", "reports")
 
@@ -117,6 +125,13 @@ class ComingAndGoing:
         self._thread.join()
 
 
+def listed_hosts(last_octets):
+    """The key of a list of hosts of the demo LAN."""
+    cards = lan_description.Lan()
+    hosts = [f"10.77.0.{octet}" for octet in last_octets]
+    return {f"Host{number}": settings_samples.listed_host(ip, "", cards.mac(ip)) for number, ip in enumerate(hosts)}
+
+
 def settings_of_run(interface, is_demo, program, path_form):
     """(settings, lists); `path_form` gives a path as the program's system spells it."""
     os.makedirs(REPORT_FOLDER, exist_ok=True)
@@ -126,7 +141,14 @@ def settings_of_run(interface, is_demo, program, path_form):
     if not is_demo:
         return settings, {}
     # A watched host that isn't known yet begins as offline.
-    return settings, {"WatchedHosts": {"Host0": settings_samples.watched_host(WATCHED_IP, 0)}}
+    return settings, {"WatchedHosts": {"Host0": settings_samples.watched_host(WATCHED_IP, 0)},
+                      "TrustedHosts": listed_hosts(TRUSTED), "DistrustedHosts": listed_hosts(DISTRUSTED)}
+
+
+def desktop_settings(view_place, is_clicked):
+    """Where nobody clicks, the watched host has no popup: it would stay, and in the middle of the host view."""
+    return {**DESKTOP_SETTINGS, "SavedViewWindowDimension": struct.pack("<4i", *view_place),
+            "WatchVisualization": int(is_clicked)}
 
 
 def as_it_stands(path):
@@ -219,6 +241,7 @@ def watch_on_desktop(options, stack, folder, leave):
     display = run_desktop.choose_display(stack, namespace)
     print("Preparing Wine ...", flush=True)
     settings, lists = settings_of_run(interface, not options.interface, run_desktop.PROGRAM, in_wine)
+    settings.update(desktop_settings(VIEW_PLACE, is_clicked=display.frame_file is None))
     run = run_desktop.DesktopRun(stack, folder, namespace, display, settings, lists)
     screenshots = run_desktop.Screenshots(display.frame_file, options.screenshots)
     leave.begin()

@@ -51,6 +51,23 @@ class FormTest(unittest.TestCase):
             run_watch.parse_arguments(["--seconds", "0"])
 
 
+class DesktopSettingsTest(unittest.TestCase):
+    def test_the_host_view_has_its_place_and_all_columns(self):
+        settings = run_watch.desktop_settings((8, -8, 1016, 620), is_clicked=True)
+        self.assertEqual(settings["SavedViewWindowDimension"].hex(), "08000000" "f8ffffff" "f8030000" "6c020000")
+        self.assertEqual((settings["VisibleColumns"], settings["SaveViewWindow"]), (11111, 1))
+
+    def test_a_popup_that_waits_for_a_click_comes_only_where_somebody_can_give_one(self):
+        for is_clicked in (True, False):
+            self.assertEqual(run_watch.desktop_settings((0, 0, 1, 1), is_clicked)["WatchVisualization"], is_clicked)
+
+    def test_listed_hosts_are_those_of_the_demo_lan_with_their_cards(self):
+        record = run_watch.listed_hosts((15,))["Host0"]
+        self.assertEqual(len(record), 830)
+        self.assertTrue(record[260:].startswith(b"ac:ed:5c:"))
+        self.assertTrue(record[520:].startswith(b"10.77.0.15\0"))
+
+
 class DisplayTest(unittest.TestCase):
     def users_display(self, **environment):
         kept = {name: value for name, value in os.environ.items() if name != "DISPLAY"}

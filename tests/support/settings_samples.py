@@ -79,8 +79,8 @@ def application(name):
     return field(name, 260) + field(f"C:\\apps\\{name}.exe", 260) + field("%VDLW_IP% \"%VDLW_NAME%\"", 1040)
 
 
-def listed_host(ip, name):
-    return field(name, 260) + field("00:11:22:aa:bb:cc", 260) + field(ip, 260) + field("23:59:58", 50)
+def listed_host(ip, name, mac="00:11:22:aa:bb:cc"):
+    return field(name, 260) + field(mac, 260) + field(ip, 260) + field("23:59:58", 50)
 
 
 def watched_host(ip, online):

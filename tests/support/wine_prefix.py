@@ -274,7 +274,7 @@ class VirtualDisplay:
         read_end, write_end = os.pipe()
         try:
             self._server = subprocess.Popen(
-                ("Xvfb", "-displayfd", str(write_end), "-screen", "0", self._size, "-nolisten", "tcp",
+                ("Xvfb", "-displayfd", str(write_end), "-screen", "0", self._size, "-nolisten", "tcp", "-nocursor",
                  "-fbdir", self._frames.name),
                 pass_fds=(write_end,),
                 stdin=subprocess.DEVNULL,
