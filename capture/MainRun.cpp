@@ -1,8 +1,6 @@
 // The run of the application from start to exit. The order of the steps is part of the design: what a step needs
 // was made before it, and no thread exists before everything that it reads stands.
-#include <chrono>
 #include <cstring>
-#include <thread>
 #include <vector>
 
 #include "capture/EventMap.h"
@@ -21,8 +19,7 @@ constexpr char kEventGuardName[] = "WriteEventMapHandle";
 constexpr i64 kUpdateCheckSeconds = 604800;  // seven days
 constexpr int kUpdateTextSize = 512;
 constexpr u32 kThreadEndTimeoutMs = 15000;
-constexpr std::chrono::milliseconds kEventLogTimeout{3000};
-constexpr std::chrono::milliseconds kEventLogLook{10};
+constexpr u32 kEventLogTimeoutMs = 3000;
 
 }  // namespace
 
@@ -158,6 +155,7 @@ void Vardel::FillThreadParams() {
         block->stop = 0;
         block->stopRequested = services.events.Create(nullptr, true, false);
     }
+    batchWritten = services.events.Create(nullptr, false, false);
 }
 
 void Vardel::StartWorkers() {
@@ -193,9 +191,12 @@ void Vardel::AwaitEventLog() {
     if (!IsEventWriterRunning() || eventWriterParams.stop) return;
     services.events.Set(eventWriterParams.stopRequested);
     const u32 posted = TheEventMap().Count();  // more may follow while frames come in; they aren't waited for
-    const auto deadline = std::chrono::steady_clock::now() + kEventLogTimeout;
-    while (eventsWritten < posted && std::chrono::steady_clock::now() < deadline)
-        std::this_thread::sleep_for(kEventLogLook);
+    const u32 start = services.clock.TickCount();
+    u32 waitedMs = 0;
+    while (eventsWritten < posted && waitedMs < kEventLogTimeoutMs) {
+        if (services.events.Wait(batchWritten, kEventLogTimeoutMs - waitedMs) != WaitResult::Signalled) return;
+        waitedMs = services.clock.TickCount() - start;
+    }
 }
 
 void Vardel::RequestStops() {
@@ -231,6 +232,8 @@ void Vardel::CloseHandles() {
         services.events.Close(block->stopRequested);
         block->stopRequested = nullptr;
     }
+    services.events.Close(batchWritten);
+    batchWritten = nullptr;
 }
 
 // Both moments may be anything that a settings store can hold; the difference wraps instead of overflowing.

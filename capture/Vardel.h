@@ -77,6 +77,7 @@ class Vardel : public TcWinMain {
     ThreadParams shareParams;       // share access
     ThreadParams eventWriterParams;
     Shared<u32> eventsWritten = 0;  // how far the running log writer has got, in events of the map
+    EventHandle batchWritten = nullptr;  // auto-reset; the log writer sets it after each of its batches
     std::shared_ptr<VendorRun> vendorRun;
     // Workers that were given up while they still ran. Nothing shared may be freed before they have ended.
     std::vector<ThreadHandle> abandonedThreads;

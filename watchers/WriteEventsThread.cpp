@@ -53,7 +53,10 @@ void RunWriter(ThreadParams& params) {
     while (params.data && !params.stop) {
         if (progress.written < TheEventMap().Count()) {
             WriteBatch(file, progress, data);
-            if (params.app) params.app->eventsWritten = progress.written;
+            if (params.app) {
+                params.app->eventsWritten = progress.written;
+                events.Set(params.app->batchWritten);
+            }
         }
         SleepUnlessStopped(params, events, sleepEvent, kWorkerPauseMs);
     }

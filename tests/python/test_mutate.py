@@ -9,11 +9,11 @@ import unittest
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 sys.path.insert(0, os.path.join(ROOT, "tools", "mutation"))
 
-from record import Record
+from includes import LEAST_SOURCES, WINDOWS_HEADER, built_here, wide_headers
+from record import Record, find_again, last_entries
 from source_mutations import Mutation, mutations_of
 from test_program import TestProgram
-from wide_headers import LEAST_SOURCES, wide_headers
-from workshop import Outcome, Workshop, WorkshopError
+from workshop import FOLDERS, Outcome, Workshop, WorkshopError
 
 
 def changed(text, kind=None):
@@ -123,7 +123,7 @@ PROJECT = {
     "CMakeLists.txt": "cmake_minimum_required(VERSION 3.25)\nproject(Vardelwatch LANGUAGES CXX)\n"
                       "add_subdirectory(tests/unit)\n",
     "tests/unit/CMakeLists.txt":
-        "foreach(folder capture foundation settings watchers all)\n"
+        f"foreach(folder {' '.join(FOLDERS)} all)\n"
         "    add_executable(unit_tests_${folder} test.cpp ../../foundation/engine.cpp)\n"
         "endforeach()\n"
         "target_compile_definitions(unit_tests_all PRIVATE ALL)\n",
@@ -327,7 +327,51 @@ class RecordTest(unittest.TestCase):
         self.assertEqual(self.known(), {0: Outcome.CAUGHT, 1: Outcome.SURVIVED, 3: Outcome.CAUGHT})
 
 
-class WideHeadersTest(unittest.TestCase):
+class FindAgainTest(unittest.TestCase):
+    """A change of a record in sources that have changed since."""
+
+    ENTRY = {"change": ["f.cpp", 10, 11, "9", "0"], "line": 3, "kind": "constant", "diff": ["-int a = 8;", "+int a = 9;"]}
+
+    def found(self, text, entry=None):
+        """The line in which the change is found, or None."""
+        def diff_of(mutation, source):
+            line = mutation.line(source) - 1
+            return ["-" + source.split("\n")[line], "+" + mutation.apply(source).split("\n")[line]]
+
+        mutation = find_again(entry or self.ENTRY, mutations_of("f.cpp", text), {"f.cpp": text}, diff_of)
+        return mutation and mutation.line(text)
+
+    def test_a_change_is_found_where_its_line_has_moved(self):
+        self.assertEqual(self.found("\n\n\n\n\n\nint a = 8;\n"), 7)
+        self.assertEqual(self.found("if (b) {\n    int a = 8;\n}\n"), 2)
+
+    def test_of_several_the_nearest_is_taken(self):
+        self.assertEqual(self.found("int a = 8;\nint b;\n\nint a = 8;\nint a = 8;\n"), 4)
+
+    def test_a_line_that_reads_otherwise_now_has_it_no_more(self):
+        self.assertIsNone(self.found("int a = 7;\n"))
+        self.assertIsNone(self.found("long a = 8;\n"))
+        self.assertIsNone(self.found("int a = 8;\n", {**self.ENTRY, "kind": "row"}))
+
+    def test_of_a_record_the_last_word_on_each_change_counts(self):
+        path = os.path.join(self.enterContext(tempfile.TemporaryDirectory(prefix="vardel-mutate-test-")), "record")
+        with Record(path) as record:
+            for at, outcome in ((0, Outcome.UNDECIDED), (1, Outcome.CAUGHT), (0, Outcome.SURVIVED)):
+                record.add(Mutation("f.cpp", at, at + 1, "9", "constant"), "0123", outcome, [])
+        with open(path, "a", encoding="utf-8") as torn:
+            torn.write('{"change": ["f.cpp", 2')
+        self.assertEqual([(entry["change"][1], entry["outcome"]) for entry in last_entries(path)],
+                         [(0, "survived"), (1, "caught")])
+
+
+class IncludesTest(unittest.TestCase):
+    def test_what_reaches_the_windows_header_or_only_such_sources_is_not_built_here(self):
+        sources = {WINDOWS_HEADER: "#include <windows.h>\n", "a/window.h": f'#include "{WINDOWS_HEADER}"\n',
+                   "a/Window.cpp": '#include "a/window.h"\n#include "a/rules.h"\n#include "a/WindowRules.h"\n',
+                   "a/rules.h": "", "a/WindowRules.h": "", "a/Rules.cpp": '#include "a/rules.h"\n',
+                   "a/Service_win.cpp": '#include "a/service.h"\n', "a/service.h": ""}
+        self.assertEqual(built_here(sources), {"a/rules.h", "a/Rules.cpp"})
+
     def test_a_header_is_wide_by_what_includes_it_through_others_too(self):
         sources = {f"a/{number}.cpp": '#include "a/outer.h"\n' for number in range(LEAST_SOURCES)}
         sources["a/outer.h"] = '#include "a/inner.h"\n#include <vector>\n#include "elsewhere.h"\n'
@@ -351,8 +395,24 @@ class CommandTest(unittest.TestCase):
     def test_only_engine_files_of_this_system_are_changed(self):
         for line in self.list_changes("--sample", "1000000").split("\n")[1:]:
             if line and not line.startswith(" "):
-                self.assertRegex(line, r"^(capture|foundation|settings|watchers)/\w+\.(cpp|h):\d+ \((constant|comparison|row)\)$")
+                self.assertRegex(line, rf"^({'|'.join(FOLDERS)})/\w+\.(cpp|h):\d+ \((constant|comparison|row)\)$")
                 self.assertNotIn("_win.", line)
+                self.assertNotIn("TcDialog", line)
+
+    def test_a_record_is_replayed_in_its_own_order_and_what_was_caught_is_left_out(self):
+        with open(os.path.join(ROOT, "settings", "SettingsTable.h"), encoding="utf-8", newline="") as source:
+            text = source.read()
+        rule = text.index("NumberByRule(")
+        changes = [change for change in mutations_of("settings/SettingsTable.h", text) if change.start > rule][:3]
+        path = os.path.join(self.enterContext(tempfile.TemporaryDirectory(prefix="vardel-mutate-test-")), "record")
+        with Record(path) as record:
+            for change, outcome in zip(changes, (Outcome.UNDECIDED, Outcome.CAUGHT, Outcome.SURVIVED)):
+                line = change.line(text) - 1
+                record.add(change, text, outcome, ["-" + text.split("\n")[line],
+                                                   "+" + change.apply(text).split("\n")[line]])
+        listed = [line for line in self.list_changes("--replay", path).split("\n")[1:] if line.startswith("settings/")]
+        self.assertEqual(listed, [f"settings/SettingsTable.h:{change.line(text)} ({change.kind})"
+                                  for change in (changes[0], changes[2])])
 
     def test_generated_tables_are_left_out(self):
         self.assertNotIn("BlowfishTables", self.list_changes("--sample", "1000000"))

@@ -12,6 +12,32 @@ def identity(mutation, text):
             hashlib.sha256(text.encode()).hexdigest()[:16]]
 
 
+def last_entries(path):
+    """The entries of a record in their order, of each change the last."""
+    entries = {}
+    with open(path, encoding="utf-8") as file:
+        for line in file:
+            try:
+                entry = json.loads(line)
+            except ValueError:
+                continue  # cut off in the middle
+            entries[tuple(entry["change"])] = entry
+    return list(entries.values())
+
+
+def _words(lines):
+    return [[line[0], *line[1:].split()] for line in lines]
+
+
+def find_again(entry, mutations, sources, diff_of):
+    """The change of an entry in the sources as they are now, the nearest where several look the same; or None."""
+    file, _, _, replacement, _ = entry["change"]
+    same = [mutation for mutation in mutations
+            if (mutation.file, mutation.replacement, mutation.kind) == (file, replacement, entry["kind"]) and
+            _words(diff_of(mutation, sources[file])) == _words(entry["diff"])]
+    return min(same, key=lambda mutation: abs(mutation.line(sources[file]) - entry["line"]), default=None)
+
+
 class Record:
     def __init__(self, path):
         self.known = {}

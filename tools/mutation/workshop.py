@@ -13,7 +13,7 @@ import subprocess
 from test_program import TestProgram
 
 MEMORY_BYTES = 8 << 30
-FOLDERS = ("capture", "foundation", "settings", "watchers")
+FOLDERS = ("capture", "foundation", "frame", "settings", "toolkit", "views", "watchers")
 
 
 class Outcome(enum.Enum):

@@ -539,6 +539,40 @@ TEST_F(MainRunTest, TheWriterHasWrittenAllEventsWhenItIsStopped) {
     EXPECT_EQ(EventKinds().back(), 2);
 }
 
+// A log writer that hangs in its file until it is stopped.
+void WriteNothing(void* raw) {
+    const ThreadParams& params = *static_cast<ThreadParams*>(raw);
+    while (!params.stop) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+TEST_F(MainRunTest, AWriterThatFallsBehindIsGivenThreeSecondsInAll) {
+    Stored([](VardelSettings& settings) { settings.EventLogSave = 1; });
+    threads.instead[&WriteEventsThread] = &WriteNothing;
+    std::vector<u32> waits;  // milliseconds
+    // Named by its place behind the three blocks' stop requests. Twice it tells of a batch, each after a second.
+    events.waits["#3"] = [&](u32 timeoutMs) {
+        waits.push_back(timeoutMs);
+        system.clock.ticks += 1000;
+        return waits.size() < 3 ? WaitResult::Signalled : WaitResult::TimedOut;
+    };
+    Run();
+    EXPECT_EQ(waits, (std::vector<u32>{3000, 2000, 1000}));
+    EXPECT_TRUE(app->ThreadsHaveEnded());
+}
+
+TEST_F(MainRunTest, BatchesThatComeTooLateAreWaitedForNoMore) {
+    Stored([](VardelSettings& settings) { settings.EventLogSave = 1; });
+    threads.instead[&WriteEventsThread] = &WriteNothing;
+    int waits = 0;
+    events.waits["#3"] = [&](u32) {
+        ++waits;
+        system.clock.ticks += 3000;
+        return WaitResult::Signalled;
+    };
+    Run();
+    EXPECT_EQ(waits, 1);
+}
+
 TEST_F(MainRunTest, TheLogFileRunsFromTheFirstEventToTheLast) {
     test::TestFolder folder;
     system.folders.localApplicationData = folder.Path();

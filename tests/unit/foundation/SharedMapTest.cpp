@@ -233,6 +233,17 @@ TEST(SharedMap, KeysThatShareTheirPlaceAndTheirTagStayApart) {
     EXPECT_GT(pairs, 0);
 }
 
+// A place without a record must not look like one whose key is gone.
+TEST(SharedMap, AKeyWithoutARecordIsFoundWhenItsTagIsZero) {
+    int n = 0;
+    while ((HashedKey(Key(n)).mixed >> 31 & 0xffff) != 0) ++n;
+    Carrying map;
+    EXPECT_TRUE(map.Insert(Key(n), nullptr));
+    EXPECT_EQ(RecordIn(map, Key(n)), std::optional<Named*>(nullptr));
+    EXPECT_TRUE(map.Erase(Key(n)));
+    EXPECT_EQ(RecordIn(map, Key(n)), std::nullopt);
+}
+
 TEST(SharedMap, LooksAtTheKeyOfTheRecordItself) {
     Carrying map;
     Named record{"another name"};

@@ -64,6 +64,30 @@ TEST(SlabPool, ServesSeveralThreads) {
     other.join();
 }
 
+#ifndef VARDEL_PLAIN_HEAP
+// The sizes of the first slabs, taken whole: the pieces of one lie side by side, two never adjoin.
+std::vector<std::size_t> SlabSizes(std::size_t slabs) {
+    constexpr std::size_t kPiece = 64;
+    SlabPool pool(kPiece);
+    std::vector<std::size_t> sizes;
+    for (const char* before = nullptr; sizes.size() <= slabs;) {
+        const char* piece = static_cast<const char*>(pool.Take());
+        if (piece != before + kPiece || sizes.empty()) sizes.push_back(0);
+        sizes.back() += kPiece;
+        before = piece;
+    }
+    sizes.pop_back();  // begun only
+    return sizes;
+}
+
+TEST(SlabPool, AFewRecordsCost16KilobytesAndManyGetLargePages) {
+    constexpr std::size_t kKilobyte = 1024;
+    EXPECT_EQ(SlabSizes(9), (std::vector<std::size_t>{16 * kKilobyte, 32 * kKilobyte, 64 * kKilobyte,
+                                                      128 * kKilobyte, 256 * kKilobyte, 512 * kKilobyte,
+                                                      1024 * kKilobyte, kLargePage, kLargePage}));
+}
+#endif
+
 TEST(LargeBlock, IsZeroedAndAligned) {
     for (std::size_t size : {std::size_t{1000}, kLargePage, 2 * kLargePage}) {
         const LargeBlock block(size);

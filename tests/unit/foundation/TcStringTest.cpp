@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace vardel {
@@ -296,6 +298,26 @@ TEST(TcString, AWrittenTextWithoutAnEndIsCutWhereTheObjectEnds) {
     std::memset(text.GetContent(), 'x', 24);
     EXPECT_EQ(text.SetStrLen(), 23);
     EXPECT_STREQ(text.GetContent(), "xxxxxxxxxxxxxxxxxxxxxxx");
+}
+
+TEST(TcString, AComparisonMeetsNoMixtureOfTwoTextsThatReplaceEachOther) {
+    const TcString one("aaaaaaaabbbbbbbbcccccc"), two("ddddddddeeeeeeeeffffff");
+    const TcString mixtures[] = {"aaaaaaaabbbbbbbbffffff", "aaaaaaaaeeeeeeeeffffff", "ddddddddbbbbbbbbcccccc",
+                                 "ddddddddeeeeeeeecccccc"};
+    TcString shared(one);
+    std::atomic<bool> ends{false};
+    std::thread writer([&] {
+        while (!ends) {
+            shared = two;
+            shared = one;
+        }
+    });
+    int mixed = 0;
+    for (int round = 0; round < 200'000; ++round)
+        for (const TcString& mixture : mixtures) mixed += shared == mixture;
+    ends = true;
+    writer.join();
+    EXPECT_EQ(mixed, 0);
 }
 
 // The number is part of what other builds rely on; these were taken once and stay.

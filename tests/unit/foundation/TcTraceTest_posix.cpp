@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <thread>
 
 #include "foundation/TcTrace.h"
 #include "platform/Folders.h"
@@ -18,6 +20,22 @@ TEST(TcTracePosix, WithoutAFileLinesGoToStandardError) {
     TcTrace::SetupTracing(0, 0);
     const std::string text = testing::internal::GetCapturedStderr();
     EXPECT_TRUE(text.ends_with(" Vardel::MainRun: Create app [x.cpp:1, day, 0]\n")) << text;
+}
+
+// In a process of its own: threads that traced before have taken their numbers for good.
+TEST(TcTracePosix, ThreadsAreNumberedFromOneInTheOrderOfTheirFirstLine) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto trace = [](const char* step) { TcTrace::Trace("Vardel", "Steps", step, "x.cpp", 1, "day", 0); };
+    const auto traceFromTwoThreads = [&] {
+        TcTrace::SetupTracing(0, 1);
+        trace("first");
+        std::thread(trace, "second").join();
+        trace("third");
+        std::_Exit(0);
+    };
+    EXPECT_EXIT(traceFromTwoThreads(), testing::ExitedWithCode(0),
+                "[0-9:]{8} 1 Vardel::Steps: first .*[0-9:]{8} 2 Vardel::Steps: second .*"
+                "[0-9:]{8} 1 Vardel::Steps: third ");
 }
 
 TEST(TcTracePosix, AFileThatCannotBeWrittenLeavesTracingOff) {

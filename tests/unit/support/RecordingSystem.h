@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <set>
@@ -79,12 +80,19 @@ class RecordingEvents : public Events {
         return SystemEvents().Set(event);
     }
     bool Reset(EventHandle event) override { return SystemEvents().Reset(event); }
-    WaitResult Wait(EventHandle event, u32 timeoutMs) override { return SystemEvents().Wait(event, timeoutMs); }
+    WaitResult Wait(EventHandle event, u32 timeoutMs) override {
+        if (!waits.empty()) {
+            const auto found = waits.find(Name(event));
+            if (found != waits.end()) return found->second(timeoutMs);
+        }
+        return SystemEvents().Wait(event, timeoutMs);
+    }
     WaitResult WaitEither(EventHandle first, EventHandle second, u32 timeoutMs) override {
         return SystemEvents().WaitEither(first, second, timeoutMs);
     }
 
     std::set<std::string> refused;  // names whose creation fails
+    std::map<std::string, std::function<WaitResult(u32 timeoutMs)>> waits;  // answers by name; set before the threads
 
   private:
     std::string Name(EventHandle event) {
@@ -105,7 +113,9 @@ class RecordingThreads : public Threads {
     bool Start(ThreadFunction function, void* parameter, ThreadHandle& handle, u32& id) override {
         const std::string name = functions.contains(function) ? functions.at(function) : "thread";
         log_.Add("start " + name);
-        const bool started = SystemThreads().Start(function, parameter, handle, id);
+        const auto other = instead.find(function);
+        const bool started =
+            SystemThreads().Start(other == instead.end() ? function : other->second, parameter, handle, id);
         std::lock_guard hold(guard_);
         names_[handle] = name;
         running_.push_back(handle);
@@ -134,6 +144,7 @@ class RecordingThreads : public Threads {
     }
 
     std::map<ThreadFunction, std::string> functions;
+    std::map<ThreadFunction, ThreadFunction> instead;  // runs in the other's place
     bool neverEnd = false;  // every wait ends in its time-out
 
   private:

@@ -9,6 +9,7 @@
 #include "capture/Vardel.h"
 #include "tests/unit/support/Gate.h"
 #include "tests/unit/support/NoFrame.h"
+#include "tests/unit/support/ScriptedEvents.h"
 #include "tests/unit/support/TestFolder.h"
 #include "tests/unit/support/TestServices.h"
 #include "tests/unit/support/TracedLines.h"
@@ -104,6 +105,25 @@ TEST(WriteEventsThread, EndsWithoutParametersOrData) {
     ThreadParams noData;
     WriteEventsThread(&noData);
     EXPECT_EQ(noData.stop, 0);
+}
+
+TEST(WriteEventsThread, PausesASecondFromTheFirstRoundOn) {
+    test::TestFolder folder;
+    test::TestServices system;
+    system.folders.localApplicationData = folder.Path();
+    test::ScriptedEvents events;
+    Services services = system.services.With(events);
+    VardelData data(services);
+    ThreadParams params;
+    params.data = &data;
+    events.onSleep = [&] { params.stop = events.sleeps.size() == 3; };
+    WriteEventsThread(&params);
+    EXPECT_EQ(events.sleeps, (std::vector<u32>{1000, 1000, 1000}));
+    ASSERT_EQ(events.created.size(), 1u);
+    EXPECT_EQ(events.created[0].name, "DoNothingWriteEvents");
+    EXPECT_FALSE(events.created[0].manualReset);
+    EXPECT_FALSE(events.created[0].signalled) << "the first pause would end at once";
+    EXPECT_EQ(events.open, 0);
 }
 
 TEST_F(EventWriter, WritesTheFirstEventThoughItWasPostedBeforeTheGuard) {
