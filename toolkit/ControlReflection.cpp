@@ -86,6 +86,8 @@ LRESULT CallControl(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
     return found ? CallProcedure(found->own, control, message, wParam, lParam) : 0;
 }
 
+bool IsReceiverFirst(HWND control) { return FindBound(control) && GetProcedure(control) == &BoundProcedure; }
+
 bool ReflectNotify(HWND control, LPARAM data, LRESULT& result) {
     const BoundControl* const found = FindBound(control);
     return found && found->receiver && found->receiver->OnReflectedNotify(data, result);

@@ -31,6 +31,10 @@ void UnbindReceiver(HWND control, const ControlReceiver* receiver);
 // What the control itself makes of a message.
 LRESULT CallControl(HWND control, UINT message, WPARAM wParam, LPARAM lParam);
 
+// True while a message that is sent to the control comes to its receiver first: then one that the receiver would only
+// pass on can be given to the control directly.
+bool IsReceiverFirst(HWND control);
+
 // What a dialog calls with each WM_NOTIFY.
 bool ReflectNotify(HWND control, LPARAM data, LRESULT& result);
 

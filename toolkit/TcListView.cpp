@@ -62,6 +62,7 @@ bool TcListView::SetHwnd(HWND control) {
 
 void TcListView::Forget() {
     control_ = nullptr;
+    sendsDirectly_ = false;
     showsHeadings_ = false;
     columns_.clear();
     groups_.clear();
@@ -72,6 +73,7 @@ void TcListView::Forget() {
 }
 
 LRESULT TcListView::Send(UINT message, WPARAM wParam, LPARAM lParam) const {
+    if (sendsDirectly_) return CallControl(control_, message, wParam, lParam);
     return control_ ? SendMessageA(control_, message, wParam, lParam) : 0;
 }
 

@@ -169,7 +169,7 @@ class TcListView {
 
     // Rows and lines. `content` is a row's number or a heading, see ListLayout.h.
     class Change;
-    bool InsertLine(int line, int content, UINT state);
+    bool InsertLine(int line, int content, UINT state, bool hasSelection);
     void PutSelection(LRESULT line, UINT state);
     bool PutGroup(const Group& group, bool isNew) const;
     std::vector<int> LinesOf(const std::vector<Row>& rows) const;
@@ -201,6 +201,7 @@ class TcListView {
     std::vector<int> linesOfRows_;  // the other way round; empty where no headings are shown
     std::function<void(int)> fit_;
     std::function<void(POINT)> showMenu_;
+    bool sendsDirectly_ = false;    // while many lines change, and nobody else wants to see the messages
     bool changing_ = false;         // lines and rows are being brought in line
     ItemIndex index_;
 };

@@ -21,8 +21,10 @@ class TcListView::Change {
     explicit Change(TcListView& list) : list_(list) {
         list_.changing_ = true;
         list_.Send(WM_SETREDRAW, FALSE);
+        list_.sendsDirectly_ = IsReceiverFirst(list_.control_);
     }
     ~Change() {
+        list_.sendsDirectly_ = false;
         list_.Send(WM_SETREDRAW, TRUE);
         list_.changing_ = false;
     }
@@ -82,7 +84,7 @@ std::vector<int> TcListView::LinesOf(const std::vector<Row>& rows) const {
 
 // Rows
 
-bool TcListView::InsertLine(int line, int content, UINT state) {
+bool TcListView::InsertLine(int line, int content, UINT state, bool hasSelection) {
     LVITEMA item{};
     item.mask = LVIF_TEXT | LVIF_PARAM | LVIF_STATE;
     item.iItem = line;
@@ -99,7 +101,7 @@ bool TcListView::InsertLine(int line, int content, UINT state) {
     }
     const LRESULT at = SendRecord(LVM_INSERTITEMA, 0, item);
     if (at < 0) return false;
-    if (showsHeadings_) PutSelection(at, state);
+    if (hasSelection) PutSelection(at, state);
     LVITEMA cell{};
     cell.pszText = LPSTR_TEXTCALLBACKA;
     for (cell.iSubItem = 1; cell.iSubItem < static_cast<int>(columns_.size()); ++cell.iSubItem)
@@ -125,7 +127,7 @@ int TcListView::AddRows(std::span<const Row> rows) {
     for (const Row& row : rows) {
         if (!row.item || index_.Find(row.item) >= 0) continue;
         rows_.push_back(row);
-        if (InsertLine(RowCount() - 1, RowCount() - 1, 0))
+        if (InsertLine(RowCount() - 1, RowCount() - 1, 0, false))
             index_.Insert(row.item, RowCount() - 1);
         else
             rows_.pop_back();
@@ -151,6 +153,7 @@ void TcListView::InsertLines(std::vector<int> target, const std::vector<char>& i
     for (const int line : lines_)
         if (IsHeadingLine(line)) hasHeading[static_cast<std::size_t>(GroupOfHeading(line))] = 1;
     std::vector<char> isRefused(rows_.size());
+    const bool hasSelection = !states.empty() || Send(LVM_GETSELECTEDCOUNT) > 0;
     std::vector<int> put;
     put.reserve(target.size());
     for (const int content : target) {
@@ -159,7 +162,7 @@ void TcListView::InsertLines(std::vector<int> target, const std::vector<char>& i
                                ? !hasHeading[static_cast<std::size_t>(GroupOfHeading(content))]
                                : isMissing[row] != 0;
         const UINT state = IsHeadingLine(content) || states.empty() ? 0 : states[row];
-        if (!isNew || InsertLine(static_cast<int>(put.size()), content, state))
+        if (!isNew || InsertLine(static_cast<int>(put.size()), content, state, hasSelection))
             put.push_back(content);
         else if (!IsHeadingLine(content))
             isRefused[row] = 1;
