@@ -127,6 +127,21 @@ TEST_F(GuiCommands, SilentModeTwiceRestoresTheAlerts) {
     });
 }
 
+TEST_F(GuiCommands, TheExitCommandEndsItWithTheMenuOpen) {
+    While([&](HWND window) {
+        PostMessageA(window, kTrayMessage, kTrayIconId, WM_RBUTTONDOWN);
+        const DWORD thread = GetWindowThreadProcessId(window, nullptr);
+        GUITHREADINFO state{};
+        state.cbSize = sizeof state;
+        for (int tries = 0; tries < 1000 && !(state.flags & GUI_INMENUMODE); ++tries) {
+            Sleep(10);
+            GetGUIThreadInfo(thread, &state);
+        }
+        EXPECT_TRUE(state.flags & GUI_INMENUMODE) << "the menu did not open";
+    });
+    EXPECT_EQ(OwnMainWindow(), nullptr);
+}
+
 TEST_F(GuiCommands, HelpOpensItsSite) {
     While([&](HWND window) { SendMessageA(window, WM_COMMAND, kHelpCommand, 0); });
     ASSERT_EQ(system.shell.launches.size(), 1u);
