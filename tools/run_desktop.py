@@ -86,15 +86,22 @@ class Screenshots:
 
 
 class DesktopRun:
-    """The program in a Wine prefix of its own on a display. It ends with the stack at the latest."""
+    """The program in a Wine prefix of its own on a display. It ends with the stack at the latest.
 
-    def __init__(self, stack, folder, namespace, display, settings, lists, size=DESKTOP_SIZE):
+    `output` takes the lines that it tells: as for a subprocess, by default this process's own.
+    """
+
+    def __init__(self, stack, folder, namespace, display, settings, lists, size=DESKTOP_SIZE, output=None):
         self._wine = stack.enter_context(wine_prefix.WinePrefix(namespace, display.name))
         self._wine.use_wine_fonts()
         self._wine.use_virtual_desktop(size, DESKTOP_NAME)
         watch_settings.prepare_prefix(self._wine, folder, WINE_PACKET, settings, lists)
         # The terminal's Ctrl-C is for the runner alone.
-        self._child = self._wine.start([PROGRAM], start_new_session=True)
+        self._child = self._wine.start([PROGRAM], start_new_session=True, stdout=output)
+
+    def start(self, command, **more):
+        """Starts another Windows program beside it and gives the Popen; it ends with the stack at the latest."""
+        return self._wine.start(command, start_new_session=True, **more)
 
     def exit_code(self):
         """None while it runs."""
