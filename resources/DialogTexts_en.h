@@ -29,6 +29,7 @@
 #define TX_ABOUT_TITLE "About Vardelwatch"
 #define TX_ABOUT_VERSION "Version %s"
 #define TX_ABOUT_PURPOSE "Watches the local network and tells who is on it."
+#define TX_ABOUT_CAPTURE_LIBRARY "Capture library:"
 
 // Updates
 #define TX_UPDATES_TITLE "Vardelwatch - Updates"

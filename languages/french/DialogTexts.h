@@ -27,6 +27,7 @@
 #define TX_ABOUT_TITLE "À propos de Vardelwatch"
 #define TX_ABOUT_VERSION "Version %s"
 #define TX_ABOUT_PURPOSE "Observe le réseau local et montre qui s'y trouve."
+#define TX_ABOUT_CAPTURE_LIBRARY "Bibliothèque de capture :"
 
 // Updates
 #define TX_UPDATES_TITLE "Vardelwatch - Mises à jour"

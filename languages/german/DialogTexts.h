@@ -27,6 +27,7 @@
 #define TX_ABOUT_TITLE "Über Vardelwatch"
 #define TX_ABOUT_VERSION "Version %s"
 #define TX_ABOUT_PURPOSE "Beobachtet das lokale Netzwerk und zeigt, wer sich darin befindet."
+#define TX_ABOUT_CAPTURE_LIBRARY "Erfassungsbibliothek:"
 
 // Updates
 #define TX_UPDATES_TITLE "Vardelwatch - Updates"

@@ -27,6 +27,7 @@
 #define TX_ABOUT_TITLE "Acerca de Vardelwatch"
 #define TX_ABOUT_VERSION "Versión %s"
 #define TX_ABOUT_PURPOSE "Observa la red local y muestra quién está en ella."
+#define TX_ABOUT_CAPTURE_LIBRARY "Biblioteca de captura:"
 
 // Updates
 #define TX_UPDATES_TITLE "Vardelwatch - Actualizaciones"
