@@ -44,6 +44,7 @@ class VardelViewDlg : public TcDialog {
   private:
     void SetWindowIcons();
     void BuildList();
+    void BuildColumns();
     void BuildImages();
     void BuildMenus();
     void EnableLayout();

@@ -92,18 +92,26 @@ void VardelViewDlg::BuildList() {
     list_.InitListView(GetResInstance(), GetControl(IDC_HOST_LIST));
     list_.SetLook(kListStylesWithImages);
     list_.SetSelectFirstColumn(false);
-    columns_ = HostViewColumns(*data_, GetResInstance(), widths_, TcGuiTools::Dpi());
-    for (const HostViewColumn& column : columns_) {
-        const bool isFixed = column.plugin == nullptr;
-        const int added = isFixed ? list_.AddColumn(FormOf(column.fixed).titleId, column.width, column.format)
-                                  : list_.AddColumn(column.title.c_str(), column.width, column.format);
-        if (added < 0) break;
-    }
+    BuildColumns();
     BuildImages();
     for (int group = 1; group <= kGroups; ++group) {
         char title[260];
         data_->services.strings.Load(GetResInstance(), HostGroupTitleId(group), title, sizeof title);
         list_.AddGroup(group, title);
+    }
+}
+
+// The first fixed column that the control refuses ends the fixed ones; the plugins' follow all the same.
+void VardelViewDlg::BuildColumns() {
+    columns_.clear();
+    bool fixedEnded = false;
+    for (const HostViewColumn& column : HostViewColumns(*data_, GetResInstance(), widths_, TcGuiTools::Dpi())) {
+        const bool isFixed = column.plugin == nullptr;
+        if (isFixed && fixedEnded) continue;
+        const int added = isFixed ? list_.AddColumn(FormOf(column.fixed).titleId, column.width, column.format)
+                                  : list_.AddColumn(column.title.c_str(), column.width, column.format);
+        if (added >= 0) columns_.push_back(column);
+        else if (isFixed) fixedEnded = true;
     }
 }
 
