@@ -104,6 +104,20 @@ class WinePrefixTest(unittest.TestCase):
         with open(os.path.join(template, "windows/win.ini"), encoding="latin-1") as kept:
             self.assertNotIn("changed", kept.read())
 
+    def test_has_wines_own_fonts_where_they_are_wanted(self):
+        with wine_prefix.WinePrefix() as wine:
+            fonts = os.path.join(wine.drive_c, "windows", "Fonts")
+            for _ in range(2):  # those that are there already stay
+                wine.use_wine_fonts()
+            for name in ("tahoma.ttf", "tahomabd.ttf", "marlett.ttf"):
+                with open(os.path.join(fonts, name), "rb") as font:
+                    self.assertEqual(font.read(4), b"\0\1\0\0", name)
+        self.assertFalse(os.path.exists(os.path.join(wine_prefix.template(), "drive_c/windows/Fonts/tahoma.ttf")))
+
+    def test_looks_for_the_displays_key_where_the_user_has_it(self):
+        self.assertEqual(wine_prefix.environment("/prefix", ":7")["XAUTHORITY"],
+                         os.environ.get("XAUTHORITY", os.path.expanduser("~/.Xauthority")))
+
     def test_has_no_display_unless_one_is_given(self):
         self.assertNotIn("DISPLAY", wine_prefix.environment("/prefix"))
         with wine_prefix.VirtualDisplay() as first, wine_prefix.VirtualDisplay() as second:
