@@ -121,6 +121,20 @@ class ToldDialog : public TcDialog {
         return keepTaskbar;
     }
 
+    // Shows the dialog, takes the steps one by one once it stands and ends it with true. Gives the show call's result.
+    bool ShowFor(std::vector<std::function<void()>> actions, LPARAM param = 0) {
+        Steps steps;
+        const auto init = onInit;
+        onInit = [&] {
+            if (init) init();
+            for (auto& action : actions) steps.Then(action);
+            steps.Then([this] { ExitDialog(true); });
+        };
+        const bool result = ShowDialogModal(param);
+        onInit = init;
+        return result;
+    }
+
     void Tell(const std::string& what) { told.push_back(what); }
     bool WasTold(const std::string& what) const {
         for (const std::string& one : told)

@@ -28,24 +28,18 @@ TEST(Dialog, TheParameterIsAsWideAsAPointer) {
 
 TEST(Dialog, ShowsItselfWhileItRunsAndIsGoneAfterIt) {
     ToldDialog dialog;
-    Steps steps;
     HWND window = nullptr;
     dialog.onInit = [&] {
         window = dialog.GetHwnd();
         EXPECT_TRUE(IsWindow(dialog.GetControl(CONTROL_EDIT)));
-        steps.Then([&] { EXPECT_TRUE(IsWindowVisible(window)); }).Then([&] { dialog.ExitDialog(true); });
     };
-    EXPECT_TRUE(dialog.ShowDialogModal(0));
+    EXPECT_TRUE(dialog.ShowFor({[&] { EXPECT_TRUE(IsWindowVisible(window)); }}));
     EXPECT_FALSE(IsWindow(window));
 }
 
 TEST(Dialog, MayBeShownAgain) {
     ToldDialog dialog;
-    for (int round = 0; round < 3; ++round) {
-        Steps steps;
-        dialog.onInit = [&] { steps.Then([&] { dialog.ExitDialog(true); }); };
-        EXPECT_TRUE(dialog.ShowDialogModal(round));
-    }
+    for (int round = 0; round < 3; ++round) EXPECT_TRUE(dialog.ShowFor({}, round));
     EXPECT_EQ(dialog.told, (Told{"init 0", "destroy", "init 1", "destroy", "init 2", "destroy"}));
 }
 
@@ -59,10 +53,8 @@ TEST(Dialog, ADialogThatEndsInItsInitialisationIsNeverSeen) {
 
 TEST(Dialog, TheFirstResultHolds) {
     ToldDialog dialog;
-    Steps steps;
-    dialog.onInit = [&] { steps.Then([&] { dialog.ExitDialog(true); }); };
     dialog.onDestroy = [&] { dialog.ExitDialog(false); };
-    EXPECT_TRUE(dialog.ShowDialogModal(0));
+    EXPECT_TRUE(dialog.ShowFor({}));
 }
 
 TEST(Dialog, ASecondShowCallOfAShownDialogIsACancel) {
@@ -142,18 +134,12 @@ TEST(Dialog, EnterPressesTheDefaultButton) {
 
 TEST(Dialog, OnlyTheLowSixteenBitsOfACommandAreItsId) {
     ToldDialog dialog;
-    Steps steps;
     int seen = 0;
     dialog.onCommand = [&](int id) {
         if (id == 61000) ++seen;
         return true;
     };
-    dialog.onInit = [&] {
-        steps.Then([&] { SendMessageA(dialog.GetHwnd(), WM_COMMAND, MAKEWPARAM(61000, 7), 0); }).Then([&] {
-            dialog.ExitDialog(true);
-        });
-    };
-    dialog.ShowDialogModal(0);
+    dialog.ShowFor({[&] { SendMessageA(dialog.GetHwnd(), WM_COMMAND, MAKEWPARAM(61000, 7), 0); }});
     EXPECT_EQ(seen, 1);
 }
 
@@ -306,78 +292,52 @@ TEST(Dialog, TimersOfOtherWindowsGoOn) {
 
 TEST(Dialog, KeysOfItsControlsAreToldAndGoOn) {
     ToldDialog dialog;
-    Steps steps;
     TcString text;
-    dialog.onInit = [&] {
-        steps.Then([&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_KEYDOWN, 'A', 0); })
-            .Then([&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_CHAR, 'a', 0); })
-            .Then([&] { dialog.GetControlText(CONTROL_EDIT, text); })
-            .Then([&] { dialog.ExitDialog(true); });
-    };
-    dialog.ShowDialogModal(0);
+    dialog.ShowFor({[&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_KEYDOWN, 'A', 0); },
+                    [&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_CHAR, 'a', 0); },
+                    [&] { dialog.GetControlText(CONTROL_EDIT, text); }});
     EXPECT_TRUE(dialog.WasTold("key 65"));
     EXPECT_EQ(text.GetAt(1), 'a');
 }
 
 TEST(Dialog, ATakenKeyReachesNoControl) {
     ToldDialog dialog;
-    Steps steps;
     dialog.onKey = [](int key) { return key == VK_BACK; };
     TcString text;
     dialog.onInit = [&] {
         dialog.SetControlText(CONTROL_EDIT, "abc");
         dialog.SendCtrlMsg(CONTROL_EDIT, EM_SETSEL, 0, -1);
-        steps.Then([&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_KEYDOWN, VK_DELETE, 0); })
-            .Then([&] { dialog.GetControlText(CONTROL_EDIT, text); })
-            .Then([&] { EXPECT_TRUE(text.IsEmpty()); })
-            .Then([&] { dialog.SetControlText(CONTROL_EDIT, "abc"); })
-            .Then([&] { dialog.onKey = [](int key) { return key == VK_DELETE; }; })
-            .Then([&] { dialog.SendCtrlMsg(CONTROL_EDIT, EM_SETSEL, 0, -1); })
-            .Then([&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_KEYDOWN, VK_DELETE, 0); })
-            .Then([&] { dialog.GetControlText(CONTROL_EDIT, text); })
-            .Then([&] { dialog.ExitDialog(true); });
     };
-    dialog.ShowDialogModal(0);
+    const auto pressDelete = [&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_KEYDOWN, VK_DELETE, 0); };
+    const auto takeText = [&] { dialog.GetControlText(CONTROL_EDIT, text); };
+    dialog.ShowFor({pressDelete, takeText, [&] { EXPECT_TRUE(text.IsEmpty()); },
+                    [&] { dialog.SetControlText(CONTROL_EDIT, "abc"); },
+                    [&] { dialog.onKey = [](int key) { return key == VK_DELETE; }; },
+                    [&] { dialog.SendCtrlMsg(CONTROL_EDIT, EM_SETSEL, 0, -1); }, pressDelete, takeText});
     EXPECT_STREQ(text, "abc");
 }
 
 TEST(Dialog, ATakenTabStillMovesTheFocus) {
     ToldDialog dialog;
-    Steps steps;
     dialog.onKey = [](int key) { return key == VK_TAB; };
-    dialog.onInit = [&] {
-        steps.Then([&] { SetFocus(dialog.GetControl(CONTROL_EDIT)); })
-            .Then([&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_KEYDOWN, VK_TAB, 0); })
-            .Then([&] { EXPECT_EQ(GetFocus(), dialog.GetControl(CONTROL_CHECK)); })
-            .Then([&] { dialog.ExitDialog(true); });
-    };
-    dialog.ShowDialogModal(0);
+    dialog.ShowFor({[&] { SetFocus(dialog.GetControl(CONTROL_EDIT)); },
+                    [&] { PostMessageA(dialog.GetControl(CONTROL_EDIT), WM_KEYDOWN, VK_TAB, 0); },
+                    [&] { EXPECT_EQ(GetFocus(), dialog.GetControl(CONTROL_CHECK)); }});
     EXPECT_TRUE(dialog.WasTold("key 9"));
 }
 
 TEST(Dialog, ATakenTabLeavesAControlOfSeveralFields) {
     ToldDialog dialog(DIALOG_SUB);
-    Steps steps;
     dialog.onKey = [](int key) { return key == VK_TAB; };
-    dialog.onInit = [&] {
-        steps.Then([&] { SetFocus(GetWindow(dialog.GetControl(CONTROL_ADDRESS), GW_CHILD)); })
-            .Then([&] { PostMessageA(GetFocus(), WM_KEYDOWN, VK_TAB, 0); })
-            .Then([&] { EXPECT_EQ(GetFocus(), dialog.GetControl(CONTROL_EDIT)); })
-            .Then([&] { dialog.ExitDialog(true); });
-    };
-    dialog.ShowDialogModal(0);
+    dialog.ShowFor({[&] { SetFocus(GetWindow(dialog.GetControl(CONTROL_ADDRESS), GW_CHILD)); },
+                    [&] { PostMessageA(GetFocus(), WM_KEYDOWN, VK_TAB, 0); },
+                    [&] { EXPECT_EQ(GetFocus(), dialog.GetControl(CONTROL_EDIT)); }});
 }
 
 TEST(Dialog, KeysOfOtherWindowsAreNotTold) {
     const PlainWindow other;
     ToldDialog dialog;
-    Steps steps;
-    dialog.onInit = [&] {
-        steps.Then([&] { PostMessageA(other.Get(), WM_KEYDOWN, 'B', 0); }).Then([&] {
-            dialog.ExitDialog(true);
-        });
-    };
-    dialog.ShowDialogModal(0);
+    dialog.ShowFor({[&] { PostMessageA(other.Get(), WM_KEYDOWN, 'B', 0); }});
     EXPECT_FALSE(dialog.WasTold("key 66"));
 }
 
@@ -395,18 +355,12 @@ TEST(Dialog, OwnerDrawnControlsAreMeasuredBeforeTheInitialisation) {
 
 TEST(Dialog, OwnerDrawnControlsAreDrawnByTheirId) {
     ToldDialog dialog;
-    Steps steps;
     int drawn = 0;
     dialog.onDraw = [&](int id, DRAWITEMSTRUCT* item) {
         drawn += id == CONTROL_DRAWN && item->hwndItem == dialog.GetControl(CONTROL_DRAWN);
         return true;
     };
-    dialog.onInit = [&] {
-        steps.Then([&] { UpdateWindow(dialog.GetControl(CONTROL_DRAWN)); }).Then([&] {
-            dialog.ExitDialog(true);
-        });
-    };
-    dialog.ShowDialogModal(0);
+    dialog.ShowFor({[&] { UpdateWindow(dialog.GetControl(CONTROL_DRAWN)); }});
     EXPECT_GT(drawn, 0);
 }
 

@@ -27,7 +27,7 @@ class RecordList : public TcListView {
     int asked = 0;
 };
 
-// Runs a dialog with the list; `inInit` once the list has its three columns, `steps` drive the rest.
+// Runs a dialog with the list; `inInit` once the list has its three columns.
 class ListDialog : public ToldDialog {
   public:
     ListDialog() : ToldDialog(DIALOG_LIST) {
@@ -53,6 +53,11 @@ class ListDialog : public ToldDialog {
     void With(std::function<void()> test) {
         inInit = std::move(test);
         EXPECT_TRUE(ShowDialogModal(0));
+    }
+    // Takes the steps one by one behind the initialisation, then ends.
+    void ShowFor(std::vector<std::function<void()>> actions) {
+        goesOn = true;
+        EXPECT_TRUE(ToldDialog::ShowFor(std::move(actions)));
     }
 
     HWND Control() const { return GetControl(CONTROL_LIST); }

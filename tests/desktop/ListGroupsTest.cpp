@@ -22,7 +22,24 @@ struct GroupedList {
         for (const char* at = groups; *at; ++at) rows.push_back({&records[next++], *at - '0'});
         EXPECT_EQ(dialog.list.AddRows(rows), static_cast<int>(rows.size()));
     }
+    // All in the initialisation of a dialog whose list has the groups and these rows.
+    void With(const char* groups, const std::function<void()>& test) {
+        dialog.With([&] {
+            AddGroups();
+            AddRows(groups);
+            test();
+        });
+    }
+    // The same one by one, once the dialog stands.
+    void ShowFor(const char* groups, std::vector<std::function<void()>> actions) {
+        dialog.inInit = [&] {
+            AddGroups();
+            AddRows(groups);
+        };
+        dialog.ShowFor(std::move(actions));
+    }
     ListDialog dialog;
+    TcListView& list = dialog.list;
     std::vector<ListRecord> records;
     std::size_t next = 0;
 };
@@ -33,68 +50,62 @@ TEST(ListGroups, EachGroupWithRowsHasAHeading) {
     GroupedList grouped(6);
     grouped.dialog.With([&] {
         grouped.AddGroups();
-        ASSERT_TRUE(grouped.dialog.list.ShowsHeadings()) << "this control has groups";
+        ASSERT_TRUE(grouped.list.ShowsHeadings()) << "this control has groups";
         EXPECT_EQ(grouped.dialog.Lines(), "");
         grouped.AddRows("3131");
         EXPECT_EQ(grouped.dialog.Lines(), "[Trusted hosts] b d [Unknown hosts] a c ");
         grouped.AddRows("12");
         EXPECT_EQ(grouped.dialog.Lines(), "[Trusted hosts] b d e [Distrusted hosts] f [Unknown hosts] a c ");
-        EXPECT_EQ(grouped.dialog.list.RowCount(), 6);
-        EXPECT_EQ(grouped.dialog.list.RowOfItem(&grouped.records[4]), 4) << "rows count without headings";
-        EXPECT_EQ(grouped.dialog.list.LineOfRow(4), 3);
-        EXPECT_EQ(grouped.dialog.list.RowOfLine(3), 4);
-        EXPECT_EQ(grouped.dialog.list.RowOfLine(0), -1);
-        EXPECT_EQ(grouped.dialog.list.RowOfLine(99), -1);
-        EXPECT_EQ(grouped.dialog.list.GetItemGroup(&grouped.records[5]), kDistrusted);
+        EXPECT_EQ(grouped.list.RowCount(), 6);
+        EXPECT_EQ(grouped.list.RowOfItem(&grouped.records[4]), 4) << "rows count without headings";
+        EXPECT_EQ(grouped.list.LineOfRow(4), 3);
+        EXPECT_EQ(grouped.list.RowOfLine(3), 4);
+        EXPECT_EQ(grouped.list.RowOfLine(0), -1);
+        EXPECT_EQ(grouped.list.RowOfLine(99), -1);
+        EXPECT_EQ(grouped.list.GetItemGroup(&grouped.records[5]), kDistrusted);
     });
 }
 
 TEST(ListGroups, AHeadingGoesWithTheLastRowOfItsGroup) {
     GroupedList grouped(4);
-    grouped.dialog.With([&] {
-        grouped.AddGroups();
-        grouped.AddRows("1213");
+    grouped.With("1213", [&] {
         const int second[] = {1};
-        grouped.dialog.list.RemoveRows(second);
+        grouped.list.RemoveRows(second);
         EXPECT_EQ(grouped.dialog.Lines(), "[Trusted hosts] a c [Unknown hosts] d ");
         const int rest[] = {0, 1, 2};
-        grouped.dialog.list.RemoveRows(rest);
+        grouped.list.RemoveRows(rest);
         EXPECT_EQ(grouped.dialog.Lines(), "");
     });
 }
 
 TEST(ListGroups, ARowThatChangesItsGroupKeepsItsPlaceInTheOrderAndItsState) {
     GroupedList grouped(5);
-    grouped.dialog.With([&] {
-        grouped.AddGroups();
-        grouped.AddRows("31313");
-        grouped.dialog.Select(grouped.dialog.list.LineOfRow(2), true);
+    grouped.With("31313", [&] {
+        grouped.dialog.Select(grouped.list.LineOfRow(2), true);
         const TcListView::NewGroup changes[] = {{2, kTrusted}, {0, kDistrusted}, {99, 1}, {-1, 1}};
-        grouped.dialog.list.SetGroups(changes);
+        grouped.list.SetGroups(changes);
         EXPECT_EQ(grouped.dialog.Lines(), "[Trusted hosts] b c d [Distrusted hosts] a [Unknown hosts] e ");
-        EXPECT_EQ(grouped.dialog.list.SelectedItems(), (std::vector<void*>{&grouped.records[2]}));
+        EXPECT_EQ(grouped.list.SelectedItems(), (std::vector<void*>{&grouped.records[2]}));
         EXPECT_EQ(grouped.dialog.FocusedLine(), 2);
-        EXPECT_EQ(grouped.dialog.list.GroupOfRow(2), kTrusted);
-        EXPECT_EQ(grouped.dialog.list.RowOfItem(&grouped.records[2]), 2) << "its number stays";
+        EXPECT_EQ(grouped.list.GroupOfRow(2), kTrusted);
+        EXPECT_EQ(grouped.list.RowOfItem(&grouped.records[2]), 2) << "its number stays";
     });
 }
 
 TEST(ListGroups, ManyRowsChangeTheirGroupInOneGo) {
     GroupedList grouped(300);
-    grouped.dialog.With([&] {
-        grouped.AddGroups();
-        grouped.AddRows(std::string(300, '3').c_str());
-        grouped.dialog.list.SelectAll();
+    grouped.With(std::string(300, '3').c_str(), [&] {
+        grouped.list.SelectAll();
         std::vector<TcListView::NewGroup> changes;
         for (int row = 0; row < 300; row += 2) changes.push_back({row, kTrusted});
-        grouped.dialog.list.SetGroups(changes);
+        grouped.list.SetGroups(changes);
         EXPECT_EQ(grouped.dialog.LineCount(), 302);
         EXPECT_EQ(grouped.dialog.RecordOfLine(0), nullptr);
         EXPECT_EQ(grouped.dialog.RecordOfLine(1), &grouped.records[0]);
         EXPECT_EQ(grouped.dialog.RecordOfLine(150), &grouped.records[298]);
         EXPECT_EQ(grouped.dialog.RecordOfLine(151), nullptr);
         EXPECT_EQ(grouped.dialog.RecordOfLine(152), &grouped.records[1]);
-        EXPECT_EQ(grouped.dialog.list.SelectedItems().size(), 300u);
+        EXPECT_EQ(grouped.list.SelectedItems().size(), 300u);
         EXPECT_FALSE(grouped.dialog.IsSelected(0));
         EXPECT_FALSE(grouped.dialog.IsSelected(151));
     });
@@ -102,29 +113,25 @@ TEST(ListGroups, ManyRowsChangeTheirGroupInOneGo) {
 
 TEST(ListGroups, SortingLeavesEachHeadingAboveItsRows) {
     GroupedList grouped(5);
-    grouped.dialog.With([&] {
-        grouped.AddGroups();
-        grouped.AddRows("31213");
-        grouped.dialog.Select(grouped.dialog.list.LineOfRow(1), true);
+    grouped.With("31213", [&] {
+        grouped.dialog.Select(grouped.list.LineOfRow(1), true);
         const u32 order[] = {4, 3, 2, 1, 0};
-        EXPECT_TRUE(grouped.dialog.list.SetOrder(order));
+        EXPECT_TRUE(grouped.list.SetOrder(order));
         EXPECT_EQ(grouped.dialog.Lines(), "[Trusted hosts] d b [Distrusted hosts] c [Unknown hosts] e a ");
-        EXPECT_EQ(grouped.dialog.list.SelectedItems(), (std::vector<void*>{&grouped.records[1]}));
-        EXPECT_EQ(grouped.dialog.list.RowOfItem(&grouped.records[4]), 0);
+        EXPECT_EQ(grouped.list.SelectedItems(), (std::vector<void*>{&grouped.records[1]}));
+        EXPECT_EQ(grouped.list.RowOfItem(&grouped.records[4]), 0);
     });
 }
 
 TEST(ListGroups, AHeadingCannotBeSelected) {
     GroupedList grouped(3);
-    grouped.dialog.With([&] {
-        grouped.AddGroups();
-        grouped.AddRows("133");
+    grouped.With("133", [&] {
         grouped.dialog.Select(0);
         EXPECT_FALSE(grouped.dialog.IsSelected(0));
-        grouped.dialog.list.SelectAll();
+        grouped.list.SelectAll();
         EXPECT_FALSE(grouped.dialog.IsSelected(0));
         EXPECT_FALSE(grouped.dialog.IsSelected(2));
-        EXPECT_EQ(grouped.dialog.list.SelectedItems().size(), 3u);
+        EXPECT_EQ(grouped.list.SelectedItems().size(), 3u);
     });
 }
 
@@ -136,9 +143,7 @@ TEST(ListGroups, TheDialogHearsNothingOfAHeading) {
         told += header->code == LVN_ITEMCHANGED && reinterpret_cast<NMLISTVIEW*>(data)->iItem == 0;
         return 0;
     };
-    grouped.dialog.With([&] {
-        grouped.AddGroups();
-        grouped.AddRows("13");
+    grouped.With("13", [&] {
         told = 0;
         grouped.dialog.Select(0);
         EXPECT_EQ(told, 0);
@@ -147,90 +152,63 @@ TEST(ListGroups, TheDialogHearsNothingOfAHeading) {
 
 TEST(ListGroups, TheKeyboardStepsOverHeadings) {
     GroupedList grouped(4);
-    Steps steps;
     ListDialog& dialog = grouped.dialog;
-    dialog.goesOn = true;
     const auto press = [&](int key) {
         SendMessageA(dialog.Control(), WM_KEYDOWN, static_cast<WPARAM>(key), 0);
     };
-    dialog.inInit = [&] {
-        grouped.AddGroups();
-        grouped.AddRows("1133");  // lines: heading, a, b, heading, c, d
-        steps
-            .Then([&] {
-                SetFocus(dialog.Control());
-                dialog.Select(2, true);
-                press(VK_DOWN);
-                EXPECT_EQ(dialog.FocusedLine(), 4);
-                EXPECT_EQ(dialog.list.SelectedItems(), (std::vector<void*>{&grouped.records[2]}));
-                press(VK_UP);
-                EXPECT_EQ(dialog.FocusedLine(), 2);
-                EXPECT_EQ(dialog.list.SelectedItems(), (std::vector<void*>{&grouped.records[1]}));
-                press(VK_HOME);
-                EXPECT_EQ(dialog.FocusedLine(), 1);
-                press(VK_UP);
-                EXPECT_EQ(dialog.FocusedLine(), 1) << "there is no row above";
-                EXPECT_EQ(dialog.list.SelectedItems(), (std::vector<void*>{&grouped.records[0]}));
-                press(VK_END);
-                EXPECT_EQ(dialog.FocusedLine(), 5);
-            })
-            .Then([&] { dialog.ExitDialog(true); });
+    const auto walk = [&] {
+        SetFocus(dialog.Control());
+        dialog.Select(2, true);
+        press(VK_DOWN);
+        EXPECT_EQ(dialog.FocusedLine(), 4);
+        EXPECT_EQ(dialog.list.SelectedItems(), (std::vector<void*>{&grouped.records[2]}));
+        press(VK_UP);
+        EXPECT_EQ(dialog.FocusedLine(), 2);
+        EXPECT_EQ(dialog.list.SelectedItems(), (std::vector<void*>{&grouped.records[1]}));
+        press(VK_HOME);
+        EXPECT_EQ(dialog.FocusedLine(), 1);
+        press(VK_UP);
+        EXPECT_EQ(dialog.FocusedLine(), 1) << "there is no row above";
+        EXPECT_EQ(dialog.list.SelectedItems(), (std::vector<void*>{&grouped.records[0]}));
+        press(VK_END);
+        EXPECT_EQ(dialog.FocusedLine(), 5);
     };
-    dialog.ShowDialogModal(0);
+    grouped.ShowFor("1133", {walk});  // lines: heading, a, b, heading, c, d
 }
 
 TEST(ListGroups, AClickOnAHeadingLeavesTheSelection) {
     GroupedList grouped(2);
-    Steps steps;
     ListDialog& dialog = grouped.dialog;
-    dialog.goesOn = true;
-    dialog.inInit = [&] {
-        grouped.AddGroups();
-        grouped.AddRows("13");
-        steps
-            .Then([&] {
-                dialog.Select(1, true);
-                const RECT heading = dialog.PlaceOfLine(2);
-                const LPARAM point = MAKELPARAM(heading.left + 40, heading.top + 4);
-                SendMessageA(dialog.Control(), WM_LBUTTONDOWN, MK_LBUTTON, point);
-                SendMessageA(dialog.Control(), WM_LBUTTONUP, 0, point);
-                EXPECT_TRUE(dialog.IsSelected(1));
-                EXPECT_EQ(GetFocus(), dialog.Control());
-                POINT screen{heading.left + 40, heading.top + 4};
-                ClientToScreen(dialog.Control(), &screen);
-                EXPECT_EQ(dialog.list.ItemAtPoint(screen), nullptr);
-            })
-            .Then([&] { dialog.ExitDialog(true); });
+    const auto click = [&] {
+        dialog.Select(1, true);
+        const RECT heading = dialog.PlaceOfLine(2);
+        const LPARAM point = MAKELPARAM(heading.left + 40, heading.top + 4);
+        SendMessageA(dialog.Control(), WM_LBUTTONDOWN, MK_LBUTTON, point);
+        SendMessageA(dialog.Control(), WM_LBUTTONUP, 0, point);
+        EXPECT_TRUE(dialog.IsSelected(1));
+        EXPECT_EQ(GetFocus(), dialog.Control());
+        POINT screen{heading.left + 40, heading.top + 4};
+        ClientToScreen(dialog.Control(), &screen);
+        EXPECT_EQ(dialog.list.ItemAtPoint(screen), nullptr);
     };
-    dialog.ShowDialogModal(0);
+    grouped.ShowFor("13", {click});
 }
 
 TEST(ListGroups, HeadingsAreDrawn) {
     GroupedList grouped(2);
-    Steps steps;
     ListDialog& dialog = grouped.dialog;
-    dialog.goesOn = true;
-    dialog.inInit = [&] {
-        grouped.AddGroups();
-        grouped.AddRows("13");
-        steps.Then([&] { dialog.list.RedrawRows(); })
-            .Then([&] {
-                const auto picture = dialog.Picture();
-                RECT heading = dialog.PlaceOfLine(0);
-                EXPECT_GT(picture->Count(kListTextColor, heading), 100) << "title and rule";
-                EXPECT_LT(picture->Count(kListTextColor, dialog.PlaceOfLine(1)), 60);
-            })
-            .Then([&] { dialog.ExitDialog(true); });
+    const auto look = [&] {
+        const auto picture = dialog.Picture();
+        EXPECT_GT(picture->Count(kListTextColor, dialog.PlaceOfLine(0)), 100) << "title and rule";
+        EXPECT_LT(picture->Count(kListTextColor, dialog.PlaceOfLine(1)), 60);
     };
-    dialog.ShowDialogModal(0);
+    grouped.ShowFor("13", {[&] { dialog.list.RedrawRows(); }, look});
 }
 
 TEST(ListGroups, AnotherTitleTakesThePlaceOfTheOld) {
     GroupedList grouped(1);
-    grouped.dialog.With([&] {
-        grouped.AddGroups();
-        grouped.AddRows("1");
-        EXPECT_TRUE(grouped.dialog.list.AddGroup(kTrusted, "Vertraute Rechner"));
+    grouped.With("1", [&] {
+        EXPECT_TRUE(grouped.list.AddGroup(kTrusted, "Vertraute Rechner"));
         EXPECT_EQ(grouped.dialog.Lines(), "[Vertraute Rechner] a ");
     });
 }
@@ -246,9 +224,7 @@ TEST(ListGroups, RowsThatWereThereFirstGoUnderTheirHeadings) {
 
 TEST(ListGroups, RowsOfNoGroupComeLastWithoutAHeading) {
     GroupedList grouped(3);
-    grouped.dialog.With([&] {
-        grouped.AddGroups();
-        grouped.AddRows("713");
+    grouped.With("713", [&] {
         EXPECT_EQ(grouped.dialog.Lines(), "[Trusted hosts] b [Unknown hosts] c a ");
     });
 }
@@ -316,7 +292,7 @@ TEST(ListGroups, AControlWithGroupsShowsThemItself) {
     };
     grouped.dialog.With([&] {
         grouped.AddGroups();
-        EXPECT_FALSE(grouped.dialog.list.ShowsHeadings());
+        EXPECT_FALSE(grouped.list.ShowsHeadings());
         EXPECT_EQ(player->told,
                   (std::vector<std::string>{"enable 1", "group 1 Trusted hosts", "group 2 Distrusted hosts",
                                             "group 3 Unknown hosts"}));
@@ -327,17 +303,17 @@ TEST(ListGroups, AControlWithGroupsShowsThemItself) {
         EXPECT_EQ(grouped.dialog.LineCount(), 3) << "no headings of its own";
         player->told.clear();
         const TcListView::NewGroup changes[] = {{0, kTrusted}, {1, kTrusted}};
-        grouped.dialog.list.SetGroups(changes);
+        grouped.list.SetGroups(changes);
         EXPECT_EQ(player->told, (std::vector<std::string>{"set 0 in 1"})) << "a row that stays is left alone";
         const u32 order[] = {2, 1, 0};
-        EXPECT_TRUE(grouped.dialog.list.SetOrder(order));
+        EXPECT_TRUE(grouped.list.SetOrder(order));
         EXPECT_EQ(grouped.dialog.Lines(), "c b a ");
-        EXPECT_EQ(grouped.dialog.list.GroupOfRow(0), kDistrusted);
+        EXPECT_EQ(grouped.list.GroupOfRow(0), kDistrusted);
         const int removed[] = {1};
-        grouped.dialog.list.RemoveRows(removed);
+        grouped.list.RemoveRows(removed);
         EXPECT_EQ(grouped.dialog.Lines(), "c a ");
         player->told.clear();
-        EXPECT_TRUE(grouped.dialog.list.AddGroup(kTrusted, "Other"));
+        EXPECT_TRUE(grouped.list.AddGroup(kTrusted, "Other"));
         EXPECT_EQ(player->told, (std::vector<std::string>{"change 1 Other"}));
     });
 }

@@ -20,11 +20,18 @@ void AddAll(RecordList& list, std::vector<ListRecord>& records) {
     EXPECT_EQ(list.AddRows(rows), static_cast<int>(records.size()));
 }
 
+// All in the initialisation of a dialog whose list has the records.
+void WithAll(ListDialog& dialog, std::vector<ListRecord>& records, const std::function<void()>& test) {
+    dialog.With([&] {
+        AddAll(dialog.list, records);
+        test();
+    });
+}
+
 TEST(ListView, RowsCarryTheirRecordsAndNoText) {
     ListDialog dialog;
     auto records = Records(3);
-    dialog.With([&] {
-        AddAll(dialog.list, records);
+    WithAll(dialog, records, [&] {
         EXPECT_EQ(dialog.LineCount(), 3);
         EXPECT_EQ(dialog.RecordOfLine(1), &records[1]);
         EXPECT_EQ(dialog.TextOfLine(1, 1), "r1");
@@ -38,8 +45,7 @@ TEST(ListView, TheRowOfARecordIsFound) {
     ListDialog dialog;
     auto records = Records(100);
     ListRecord stranger;
-    dialog.With([&] {
-        AddAll(dialog.list, records);
+    WithAll(dialog, records, [&] {
         EXPECT_EQ(dialog.list.RowCount(), 100);
         EXPECT_EQ(dialog.list.RowOfItem(&records[42]), 42);
         EXPECT_EQ(dialog.list.ItemOfRow(42), &records[42]);
@@ -70,8 +76,7 @@ TEST(ListView, ARecordHasOneRow) {
 TEST(ListView, TheOrderIsPutAndSelectionAndFocusGoAlong) {
     ListDialog dialog;
     auto records = Records(4);
-    dialog.With([&] {
-        AddAll(dialog.list, records);
+    WithAll(dialog, records, [&] {
         dialog.Select(1, true);
         const u32 order[] = {3, 2, 1, 0};
         EXPECT_TRUE(dialog.list.SetOrder(order));
@@ -85,8 +90,7 @@ TEST(ListView, TheOrderIsPutAndSelectionAndFocusGoAlong) {
 TEST(ListView, AnOrderThatIsNoneIsRefused) {
     ListDialog dialog;
     auto records = Records(3);
-    dialog.With([&] {
-        AddAll(dialog.list, records);
+    WithAll(dialog, records, [&] {
         for (const std::vector<u32>& order : {std::vector<u32>{0, 1}, {0, 1, 1}, {0, 1, 3}, {0, 1, 2, 2}})
             EXPECT_FALSE(dialog.list.SetOrder(order));
         EXPECT_EQ(dialog.Lines(), "r0 r1 r2 ");
@@ -96,8 +100,7 @@ TEST(ListView, AnOrderThatIsNoneIsRefused) {
 TEST(ListView, AllRowsGoAtOnce) {
     ListDialog dialog;
     auto records = Records(5);
-    dialog.With([&] {
-        AddAll(dialog.list, records);
+    WithAll(dialog, records, [&] {
         dialog.list.RemoveAllRows();
         EXPECT_EQ(dialog.LineCount(), 0);
         EXPECT_EQ(dialog.list.RowOfItem(&records[0]), -1);
@@ -109,8 +112,7 @@ TEST(ListView, AllRowsGoAtOnce) {
 TEST(ListView, AllRowsAreSelected) {
     ListDialog dialog;
     auto records = Records(5);
-    dialog.With([&] {
-        AddAll(dialog.list, records);
+    WithAll(dialog, records, [&] {
         dialog.list.SelectAll();
         EXPECT_EQ(dialog.list.SelectedItems().size(), 5u);
     });
@@ -195,8 +197,7 @@ TEST(ListView, AColumnIsFittedToItsWidestText) {
         text = static_cast<ListRecord*>(item)->cells[1].c_str();
         return true;
     };
-    dialog.With([&] {
-        AddAll(dialog.list, records);
+    WithAll(dialog, records, [&] {
         dialog.list.FitColumn(1, 16, textOf);
         const WindowDc dc(nullptr);
         const Selected font(dc.Get(), GetStockObject(DEFAULT_GUI_FONT));
@@ -214,33 +215,25 @@ TEST(ListView, AColumnIsFittedToItsWidestText) {
 
 TEST(ListView, EveryTextIsFetchedWhenItIsDrawn) {
     ListDialog dialog;
-    Steps steps;
     auto records = Records(2);
-    dialog.goesOn = true;
-    dialog.inInit = [&] {
-        AddAll(dialog.list, records);
-        steps
-            .Then([&] {
-                UpdateWindow(dialog.Control());
-                dialog.list.asked = dialog.drawn = 0;
-                dialog.list.RedrawRows();
-            })
-            .Then([&] {
-                EXPECT_EQ(dialog.drawn, 2);
-                EXPECT_EQ(dialog.list.asked, 6) << "each cell once";
-                EXPECT_EQ(GetFocus(), dialog.Control());
-                dialog.ExitDialog(true);
-            });
+    dialog.inInit = [&] { AddAll(dialog.list, records); };
+    const auto redraw = [&] {
+        UpdateWindow(dialog.Control());
+        dialog.list.asked = dialog.drawn = 0;
+        dialog.list.RedrawRows();
     };
-    dialog.ShowDialogModal(0);
+    const auto look = [&] {
+        EXPECT_EQ(dialog.drawn, 2);
+        EXPECT_EQ(dialog.list.asked, 6) << "each cell once";
+        EXPECT_EQ(GetFocus(), dialog.Control());
+    };
+    dialog.ShowFor({redraw, look});
 }
 
 // Shows the records and hands the picture to `look`.
 void Look(std::vector<ListRecord>& records, const std::function<void(ListDialog&, const Canvas&)>& look,
           const std::function<void(ListDialog&)>& prepare = {}) {
     ListDialog dialog;
-    Steps steps;
-    dialog.goesOn = true;
     UniqueIcon green(TcGuiTools::LoadSizedIcon(nullptr, ICON_GREEN, 16));
     const HIMAGELIST images = ImageList_Create(16, 16, ILC_COLOR32 | ILC_MASK, 1, 1);
     ImageList_ReplaceIcon(images, -1, green.Get());
@@ -249,12 +242,9 @@ void Look(std::vector<ListRecord>& records, const std::function<void(ListDialog&
         dialog.SendCtrlMsg(CONTROL_LIST, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_GRIDLINES, 0);
         AddAll(dialog.list, records);
         if (prepare) prepare(dialog);
-        steps.Then([&] { SetFocus(dialog.Control()); })
-            .Then([&] { dialog.list.RedrawRows(); })
-            .Then([&] { look(dialog, *dialog.Picture()); })
-            .Then([&] { dialog.ExitDialog(true); });
     };
-    dialog.ShowDialogModal(0);
+    dialog.ShowFor({[&] { SetFocus(dialog.Control()); }, [&] { dialog.list.RedrawRows(); },
+                    [&] { look(dialog, *dialog.Picture()); }});
     ImageList_Destroy(images);
 }
 
@@ -313,8 +303,7 @@ TEST(ListView, ALongTextIsCutForTheControlBetweenCharacters) {
     ListDialog dialog;
     auto records = Records(1);
     records[0].cells[1] = std::string(70000, 'x');
-    dialog.With([&] {
-        AddAll(dialog.list, records);
+    WithAll(dialog, records, [&] {
         EXPECT_EQ(dialog.TextOfLine(0, 1), std::string(259, 'x'));
     });
 }
@@ -322,8 +311,7 @@ TEST(ListView, ALongTextIsCutForTheControlBetweenCharacters) {
 TEST(ListView, RowsAreHighEnoughForPictureAndText) {
     ListDialog dialog;
     auto records = Records(1);
-    dialog.With([&] {
-        AddAll(dialog.list, records);
+    WithAll(dialog, records, [&] {
         const RECT place = dialog.PlaceOfLine(0);
         EXPECT_GE(place.bottom - place.top, TcGuiTools::Scaled(17));
         MEASUREITEMSTRUCT menu{};
