@@ -6,6 +6,7 @@
 #include "capture/ThreadParams.h"
 #include "frame/PluginNotify.h"
 #include "frame/TickDeeds.h"
+#include "tests/unit/support/ForwardingEvents.h"
 
 namespace vardel::bench {
 namespace {
@@ -37,15 +38,8 @@ PluginInfo* ListenerBlock() {
 }
 
 // Ends the notifier's loop at its sleep, so that it makes one pass; its wait for the fence is the system's.
-class OnePass : public Events {
+class OnePass : public test::ForwardingEvents {
   public:
-    EventHandle Create(const char* name, bool manualReset, bool signalled) override {
-        return SystemEvents().Create(name, manualReset, signalled);
-    }
-    void Close(EventHandle event) override { SystemEvents().Close(event); }
-    bool Set(EventHandle event) override { return SystemEvents().Set(event); }
-    bool Reset(EventHandle event) override { return SystemEvents().Reset(event); }
-    WaitResult Wait(EventHandle event, u32 timeoutMs) override { return SystemEvents().Wait(event, timeoutMs); }
     WaitResult WaitEither(EventHandle first, EventHandle second, u32 timeoutMs) override {
         if (timeoutMs == kFenceTimeoutMs) return SystemEvents().WaitEither(first, second, timeoutMs);
         params.stop = 1;

@@ -2,6 +2,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/BenchLan.h"
+#include "frame/LooklessPopup.h"
 #include "frame/ShareTick.h"
 #include "frame/SyslogTick.h"
 #include "frame/TrayTick.h"
@@ -10,15 +11,9 @@
 namespace vardel::bench {
 namespace {
 
-class SilentPopup : public NotifyPopup {
+class SilentPopup : public LooklessPopup {
   public:
     bool IsShowing() const override { return showing; }
-    void Reset() override {}
-    void SetColors(Color, Color, Color, Color) override {}
-    void SetDisplayTime(i32) override {}
-    void SetCorner(bool) override {}
-    void SetRamp(bool) override {}
-    void SetFont(i32, i32) override {}
     bool Show(const char* text) override {
         benchmark::DoNotOptimize(text);
         return true;

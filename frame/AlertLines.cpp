@@ -4,22 +4,16 @@
 #include <string_view>
 
 #include "frame/HostTable.h"
+#include "frame/LooklessPopup.h"
 #include "platform/CodePage.h"
 
 namespace vardel {
 
 namespace {
 
-class LinePopup : public NotifyPopup {
+class LinePopup : public LooklessPopup {
   public:
     explicit LinePopup(AlertLines& lines) : lines_(lines) {}
-    bool IsShowing() const override { return false; }
-    void Reset() override {}
-    void SetColors(Color, Color, Color, Color) override {}
-    void SetDisplayTime(i32) override {}
-    void SetCorner(bool) override {}
-    void SetRamp(bool) override {}
-    void SetFont(i32, i32) override {}
     bool Show(const char* text) override {
         lines_.Tell(text);
         return true;

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "frame/AlertSurface.h"
+#include "frame/LooklessPopup.h"
 
 namespace vardel::test {
 
@@ -36,16 +37,10 @@ class ToldLines {
     int messages_ = 0;
 };
 
-class StressPopup : public NotifyPopup {
+class StressPopup : public LooklessPopup {
   public:
     explicit StressPopup(ToldLines& told) : told_(told) {}
     bool IsShowing() const override { return ticksLeft > 0; }
-    void Reset() override {}
-    void SetColors(Color, Color, Color, Color) override {}
-    void SetDisplayTime(i32) override {}
-    void SetCorner(bool) override {}
-    void SetRamp(bool) override {}
-    void SetFont(i32, i32) override {}
     bool Show(const char* text) override {
         told_.Take(text);
         ++shows;

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "platform/Services.h"
+#include "tests/unit/support/ForwardingEvents.h"
 
 namespace vardel::test {
 
@@ -28,19 +29,12 @@ inline int LastOctet(const std::string& address) {
 }
 
 // Sleeps of workers (a second and more, but less than the 30 s of a fence) take a hundredth of their time.
-class HurriedEvents : public Events {
+class HurriedEvents : public ForwardingEvents {
   public:
     static constexpr u32 kShortestSleepMs = 1'000;
     static constexpr u32 kFenceMs = 30'000;
     static constexpr u32 kHurry = 100;
 
-    EventHandle Create(const char* name, bool manualReset, bool signalled) override {
-        return SystemEvents().Create(name, manualReset, signalled);
-    }
-    void Close(EventHandle event) override { SystemEvents().Close(event); }
-    bool Set(EventHandle event) override { return SystemEvents().Set(event); }
-    bool Reset(EventHandle event) override { return SystemEvents().Reset(event); }
-    WaitResult Wait(EventHandle event, u32 timeoutMs) override { return SystemEvents().Wait(event, timeoutMs); }
     WaitResult WaitEither(EventHandle first, EventHandle second, u32 timeoutMs) override {
         const bool isSleep = timeoutMs >= kShortestSleepMs && timeoutMs < kFenceMs;
         return SystemEvents().WaitEither(first, second, isSleep ? timeoutMs / kHurry : timeoutMs);

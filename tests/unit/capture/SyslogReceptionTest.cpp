@@ -5,6 +5,7 @@
 #include <new>
 #include <string>
 
+#include "tests/unit/support/ForwardingEvents.h"
 #include "tests/unit/support/WatchedLan.h"
 
 namespace vardel::test {
@@ -370,21 +371,12 @@ TEST_F(SyslogNotification, WithAnotherTypeTheEventAloneIsLeft) {
 // ---- what fails ----
 
 // Events whose wait can fail the way an allocation does, and that record who is waited for.
-class FailingEvents : public Events {
+class FailingEvents : public ForwardingEvents {
   public:
-    EventHandle Create(const char* name, bool manualReset, bool signalled) override {
-        return SystemEvents().Create(name, manualReset, signalled);
-    }
-    void Close(EventHandle event) override { SystemEvents().Close(event); }
-    bool Set(EventHandle event) override { return SystemEvents().Set(event); }
-    bool Reset(EventHandle event) override { return SystemEvents().Reset(event); }
     WaitResult Wait(EventHandle event, u32 timeoutMs) override {
         waits.push_back({event, timeoutMs});
         if (fails) throw std::bad_alloc();
         return SystemEvents().Wait(event, 0);
-    }
-    WaitResult WaitEither(EventHandle first, EventHandle second, u32 timeoutMs) override {
-        return SystemEvents().WaitEither(first, second, timeoutMs);
     }
     struct Waited {
         EventHandle event;

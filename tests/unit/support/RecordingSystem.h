@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/Events.h"
 #include "platform/Threads.h"
+#include "tests/unit/support/ForwardingEvents.h"
 
 namespace vardel::test {
 
@@ -50,7 +50,7 @@ class Record {
 
 // "create NAME", "close NAME", "set NAME"; unnamed events are "#0", "#1", ... in the order of their making. What is
 // left open is closed with this object, as at the end of a process.
-class RecordingEvents : public Events {
+class RecordingEvents : public ForwardingEvents {
   public:
     explicit RecordingEvents(Record& log) : log_(log) {}
     ~RecordingEvents() override {
@@ -79,16 +79,12 @@ class RecordingEvents : public Events {
         if (event) log_.Add("set " + Name(event));
         return SystemEvents().Set(event);
     }
-    bool Reset(EventHandle event) override { return SystemEvents().Reset(event); }
     WaitResult Wait(EventHandle event, u32 timeoutMs) override {
         if (!waits.empty()) {
             const auto found = waits.find(Name(event));
             if (found != waits.end()) return found->second(timeoutMs);
         }
         return SystemEvents().Wait(event, timeoutMs);
-    }
-    WaitResult WaitEither(EventHandle first, EventHandle second, u32 timeoutMs) override {
-        return SystemEvents().WaitEither(first, second, timeoutMs);
     }
 
     std::set<std::string> refused;  // names whose creation fails

@@ -14,27 +14,24 @@
 #include "frame/FrameTimers.h"
 #include "frame/PeriodicTick.h"
 #include "resources/ResourceIds.h"
+#include "tests/unit/support/ForwardingEvents.h"
 #include "tests/unit/support/RecordingDeeds.h"
 #include "tests/unit/support/TestServices.h"
 
 namespace vardel::test {
 
 // The system's events; what takers do to them is counted.
-class CountingEvents : public Events {
+class CountingEvents : public ForwardingEvents {
   public:
     EventHandle Create(const char*, bool manualReset, bool signalled) override {
         return SystemEvents().Create(nullptr, manualReset, signalled);
     }
-    void Close(EventHandle event) override { SystemEvents().Close(event); }
     bool Set(EventHandle event) override { return ++sets, SystemEvents().Set(event); }
     bool Reset(EventHandle event) override { return ++resets, SystemEvents().Reset(event); }
     WaitResult Wait(EventHandle event, u32 timeoutMs) override {
         ++waits;
         lastTimeoutMs = timeoutMs;
         return timesOut ? WaitResult::TimedOut : SystemEvents().Wait(event, timeoutMs);
-    }
-    WaitResult WaitEither(EventHandle first, EventHandle second, u32 timeoutMs) override {
-        return SystemEvents().WaitEither(first, second, timeoutMs);
     }
     int sets = 0, resets = 0, waits = 0;
     bool timesOut = false;  // every wait, at once

@@ -4,24 +4,18 @@
 #include <functional>
 
 #include "capture/EventMap.h"
-#include "capture/ThreadParams.h"
 #include "capture/VardelARPImpl.h"
-#include "capture/VardelData.h"
 #include "tests/unit/support/Frames.h"
-#include "tests/unit/support/ScriptedEvents.h"
-#include "tests/unit/support/TestServices.h"
 #include "tests/unit/support/TracedLines.h"
+#include "tests/unit/support/WorkerFixture.h"
 
 namespace vardel {
 namespace {
 
-using test::ScriptedEvents;
-
-// The worker on events that take no time: each of its sleeps runs the next step of the test, the last one stops it.
-class CheckNetRes : public testing::Test {
+// Each sleep of the worker runs the next step of the test, the last one stops it.
+class CheckNetRes : public test::WorkerFixture {
   protected:
     CheckNetRes() {
-        params.data = &data;
         data.fences.CreateAll();
         created = events.created.size();
         TheEventMap().Clear();
@@ -47,11 +41,6 @@ class CheckNetRes : public testing::Test {
         return servers;
     }
 
-    ScriptedEvents events;
-    test::TestServices system;
-    Services services = system.services.With(events);
-    VardelData data{services};
-    ThreadParams params;
     std::size_t created = 0;
 };
 

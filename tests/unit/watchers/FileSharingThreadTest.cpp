@@ -3,33 +3,17 @@
 #include <new>
 
 #include "capture/EventMap.h"
-#include "capture/ThreadParams.h"
-#include "capture/VardelData.h"
-#include "tests/unit/support/ScriptedEvents.h"
-#include "tests/unit/support/TestServices.h"
 #include "tests/unit/support/TracedLines.h"
+#include "tests/unit/support/WorkerFixture.h"
 
 namespace vardel {
 namespace {
 
-class FileSharingThreadTest : public testing::Test {
+class FileSharingThreadTest : public test::WorkerFixture {
   protected:
-    FileSharingThreadTest() {
-        params.data = &data;
-        TheEventMap().Clear();
-    }
+    FileSharingThreadTest() { TheEventMap().Clear(); }
     ~FileSharingThreadTest() override { TheEventMap().Clear(); }
-    void StopAfter(std::size_t sleeps) {
-        events.onSleep = [this, sleeps] {
-            if (events.sleeps.size() >= sleeps) params.stop = 1;
-        };
-    }
 
-    test::ScriptedEvents events;
-    test::TestServices system;
-    Services services = system.services.With(events);
-    VardelData data{services};
-    ThreadParams params;
     test::TracedLines traced;
 };
 

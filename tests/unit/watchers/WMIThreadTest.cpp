@@ -1,20 +1,15 @@
 #include <gtest/gtest.h>
 
-#include "capture/ThreadParams.h"
-#include "capture/VardelData.h"
-#include "tests/unit/support/ScriptedEvents.h"
-#include "tests/unit/support/TestServices.h"
 #include "tests/unit/support/TracedLines.h"
+#include "tests/unit/support/WorkerFixture.h"
 
 namespace vardel {
 namespace {
 
 using Steps = std::vector<std::string>;
 
-class WMIThreadTest : public testing::Test {
+class WMIThreadTest : public test::WorkerFixture {
   protected:
-    WMIThreadTest() { params.data = &data; }
-
     HostRecord* Host(const char* ip) {
         HostRecord* host = data.Adopt(std::make_unique<HostRecord>());
         host->ip = ip;
@@ -27,17 +22,7 @@ class WMIThreadTest : public testing::Test {
         item->isLocal = isLocal;
         data.wmiWork.Prepend(item.release());
     }
-    void StopAfter(std::size_t sleeps) {
-        events.onSleep = [this, sleeps] {
-            if (events.sleeps.size() >= sleeps) params.stop = 1;
-        };
-    }
 
-    test::ScriptedEvents events;
-    test::TestServices system;
-    Services services = system.services.With(events);
-    VardelData data{services};
-    ThreadParams params;
     test::TracedLines traced;
 };
 

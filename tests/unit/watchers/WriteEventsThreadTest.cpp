@@ -9,10 +9,10 @@
 #include "capture/Vardel.h"
 #include "tests/unit/support/Gate.h"
 #include "tests/unit/support/NoFrame.h"
-#include "tests/unit/support/ScriptedEvents.h"
 #include "tests/unit/support/TestFolder.h"
 #include "tests/unit/support/TestServices.h"
 #include "tests/unit/support/TracedLines.h"
+#include "tests/unit/support/WorkerFixture.h"
 
 namespace vardel {
 
@@ -107,16 +107,12 @@ TEST(WriteEventsThread, EndsWithoutParametersOrData) {
     EXPECT_EQ(noData.stop, 0);
 }
 
-TEST(WriteEventsThread, PausesASecondFromTheFirstRoundOn) {
+struct PausingEventWriter : test::WorkerFixture {};
+
+TEST_F(PausingEventWriter, PausesASecondFromTheFirstRoundOn) {
     test::TestFolder folder;
-    test::TestServices system;
     system.folders.localApplicationData = folder.Path();
-    test::ScriptedEvents events;
-    Services services = system.services.With(events);
-    VardelData data(services);
-    ThreadParams params;
-    params.data = &data;
-    events.onSleep = [&] { params.stop = events.sleeps.size() == 3; };
+    StopAfter(3);
     WriteEventsThread(&params);
     EXPECT_EQ(events.sleeps, (std::vector<u32>{1000, 1000, 1000}));
     ASSERT_EQ(events.created.size(), 1u);
