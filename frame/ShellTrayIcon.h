@@ -22,6 +22,10 @@ static_assert(sizeof(NOTIFYICONDATAA) == (sizeof(void*) == 4 ? 508 : 528));
 
 class ShellTrayIcon {
   public:
+    // The shell's operation: adds, changes or takes away an icon.
+    using TellShell = BOOL(WINAPI*)(DWORD deed, NOTIFYICONDATAA* record);
+    explicit ShellTrayIcon(TellShell tellShell = &Shell_NotifyIconA) : tellShell_(tellShell) {}
+
     // `controlsMajor`: major version of the common controls (see TrayNotice.h).
     void Set(HWND window, ModuleHandle images, int controlsMajor);
     void Add(const char* tip);
@@ -37,6 +41,7 @@ class ShellTrayIcon {
     HICON Icon(u32 id);
     void Fill(u32 flags, bool wholeRecord);
 
+    const TellShell tellShell_;
     HWND window_ = nullptr;
     ModuleHandle images_ = nullptr;
     int controlsMajor_ = -1;

@@ -51,7 +51,7 @@ void ShellTrayIcon::Add(const char* tip) {
     record_ = {};
     Fill(NIF_MESSAGE | NIF_ICON | NIF_TIP, notice.wholeRecord);
     Put(record_.szTip, notice.tip);
-    Shell_NotifyIconA(NIM_ADD, &record_);
+    tellShell_(NIM_ADD, &record_);
 }
 
 void ShellTrayIcon::AddAgain(const char* tip) {
@@ -59,7 +59,7 @@ void ShellTrayIcon::AddAgain(const char* tip) {
     Add(tip);
 }
 
-void ShellTrayIcon::Remove() { Shell_NotifyIconA(NIM_DELETE, &record_); }
+void ShellTrayIcon::Remove() { tellShell_(NIM_DELETE, &record_); }
 
 void ShellTrayIcon::Notify(u32 iconId, const char* text, const char* tip) {
     const TrayNotice notice = PlanTrayNotice(iconId, text, tip, controlsMajor_);
@@ -73,11 +73,11 @@ void ShellTrayIcon::Notify(u32 iconId, const char* text, const char* tip) {
         Put(record_.szInfoTitle, notice.title);
         record_.hIcon = Icon(notice.icon);
     }
-    Shell_NotifyIconA(NIM_MODIFY, &record_);
+    tellShell_(NIM_MODIFY, &record_);
     if (!notice.iconAgain) return;
     record_.uFlags = NIF_ICON;
     record_.hIcon = Icon(kTrayProgram);
-    Shell_NotifyIconA(NIM_MODIFY, &record_);
+    tellShell_(NIM_MODIFY, &record_);
 }
 
 }  // namespace vardel

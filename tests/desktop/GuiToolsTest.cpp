@@ -1,4 +1,5 @@
 #include "tests/desktop/DesktopFixture.h"
+#include "tests/unit/support/GuiObjects_win.h"
 #include "toolkit/ColorSteps.h"
 #include "toolkit/TcGuiTools.h"
 #include "toolkit/UniqueHandle.h"
@@ -44,13 +45,7 @@ TEST(GuiTools, WithoutAnIconThereIsNoGreyOne) {
 
 TEST(GuiTools, GreyIconsLeaveNoObjectBehind) {
     const UniqueIcon red(TcGuiTools::LoadSizedIcon(nullptr, ICON_RED, 16));
-    const auto objects = [] {
-        return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS) +
-               GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
-    };
-    const DWORD before = objects();
-    for (int round = 0; round < 40; ++round) UniqueIcon(TcGuiTools::CreateGrayScaleIcon(red.Get(), nullptr));
-    EXPECT_LE(objects(), before + 4);
+    ExpectNoObjectsLeftBehind(40, [&] { UniqueIcon(TcGuiTools::CreateGrayScaleIcon(red.Get(), nullptr)); });
 }
 
 TEST(GuiTools, AnIconThatIsMissingIsNull) {

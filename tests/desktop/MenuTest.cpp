@@ -1,4 +1,5 @@
 #include "tests/desktop/DesktopFixture.h"
+#include "tests/unit/support/GuiObjects_win.h"
 #include "toolkit/TcGuiTools.h"
 #include "toolkit/TcMenu.h"
 #include "toolkit/UniqueHandle.h"
@@ -306,19 +307,15 @@ TEST_F(MenuTest, ASystemMenuIsDrawnThroughItsDialog) {
 }
 
 TEST_F(MenuTest, LeavesNoObjectBehind) {
-    const auto objects = [] {
-        return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS) +
-               GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
-    };
-    const auto round = [&] {
+    ExpectNoObjectsLeftBehind(40, [&] {
         TcMenu one;
         EXPECT_TRUE(one.InitMenu(nullptr, popup, nullptr));
         EXPECT_TRUE(one.SetImage(COMMAND_START, ICON_RED));
-    };
-    round();
-    const DWORD before = objects();
-    for (int i = 0; i < 40; ++i) round();
-    EXPECT_LE(objects(), before + 4);
+        MEASUREITEMSTRUCT item{};
+        item.CtlType = ODT_MENU;
+        item.itemData = Info(popup, kStart).dwItemData;
+        EXPECT_TRUE(one.OnMeasureItem(&item));
+    });
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "frame/AlertSurface.h"
+#include "platform/CodePage.h"
 
 namespace vardel {
 namespace {
@@ -62,6 +63,27 @@ TEST(TrayNotice, TextsAreCutToTheirFields) {
     EXPECT_EQ(notice.text, std::string(255, 'x'));
     const std::string exact = std::string(127, 'x');
     EXPECT_EQ(PlanTrayNotice(kTrayProgram, "", exact.c_str(), 6).tip, exact);
+}
+
+TEST(TrayNotice, ATextOfTheFieldsSizeKeepsAllItsCharacters) {
+    for (const std::size_t size : {126u, 127u}) {
+        const std::string tip(size, 't');
+        EXPECT_EQ(PlanTrayNotice(kTrayProgram, "", tip.c_str(), 6).tip, tip);
+    }
+    EXPECT_EQ(PlanTrayNotice(kTrayProgram, "", std::string(128, 't').c_str(), 6).tip, std::string(127, 't'));
+    const std::string text(255, 'b');
+    EXPECT_EQ(PlanTrayNotice(kTrayInformation, text.c_str(), "", 6).text, text);
+    EXPECT_EQ(PlanTrayNotice(kTrayInformation, (text + 'b').c_str(), "", 6).text, text);
+}
+
+TEST(TrayNotice, TextsAreCutBetweenCharacters) {
+    std::string text = "a";
+    while (text.size() < 400) text += "\x83\x5c";  // two bytes where the code page has such characters
+    for (const std::string& cut : {text, text.substr(1)}) {
+        const TrayNotice notice = PlanTrayNotice(kTrayInformation, cut.c_str(), cut.c_str(), 6);
+        EXPECT_EQ(notice.tip, cut.substr(0, WholeCharacters(cut, 127)));
+        EXPECT_EQ(notice.text, cut.substr(0, WholeCharacters(cut, 255)));
+    }
 }
 
 }  // namespace

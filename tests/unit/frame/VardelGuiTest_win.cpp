@@ -2,46 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
-#include "capture/Vardel.h"
 #include "frame/VardelNotifyWnd.h"
-#include "tests/unit/support/TestServices.h"
+#include "tests/unit/support/RunningGui_win.h"
 
 namespace vardel {
 namespace {
 
-// The window belongs to this process: another program of the session may have one of the same name.
-HWND OwnMainWindow() {
-    for (HWND window = nullptr; (window = FindWindowExA(nullptr, window, kMainWindowClass, kMainWindowTitle));) {
-        DWORD process = 0;
-        GetWindowThreadProcessId(window, &process);
-        if (process == GetCurrentProcessId()) return window;
-    }
-    return nullptr;
-}
-
-struct VardelGuiTest : testing::Test {
-    VardelGuiTest() { TheEventMap().SetGuard(nullptr, nullptr); }
-
-    // Runs the frame; a second thread waits for its window and hands it over to `user`.
-    template <class User>
-    bool RunWith(User&& user) {
-        std::thread other([&] {
-            for (int tries = 0; tries < 1000; ++tries) {
-                if (const HWND window = OwnMainWindow()) return user(window);
-                Sleep(10);
-            }
-        });
-        const bool built = frame.CreateApp(app.data, app);
-        other.join();
-        return built;
-    }
-
-    test::TestServices system;
-    VardelGui frame{nullptr};
-    Vardel app{system.services, frame};
-};
+using VardelGuiTest = test::RunningGui;
 
 TEST_F(VardelGuiTest, TheExitCommandEndsIt) {
     EXPECT_TRUE(RunWith([](HWND window) { PostMessageA(window, WM_COMMAND, kExitCommand, 0); }));
@@ -91,17 +58,6 @@ TEST_F(VardelGuiTest, CanBeRunAgain) {
 struct GuiCommands : VardelGuiTest {
     UINT State(UINT command) const { return GetMenuState(gui.Menus().Popup(), command, MF_BYCOMMAND); }
     bool IsGrey(UINT command) const { return (State(command) & MF_GRAYED) != 0; }
-    const VardelGui& gui = frame;
-    template <class Deed>
-    void While(Deed&& deed) {
-        EXPECT_TRUE(RunWith([&](HWND window) {
-            SendMessageA(window, WM_NULL, 0, 0);
-            // The loop has begun once a message that is posted to it has been handled.
-            while (!frame.Surface().SyslogPopup()) Sleep(10);
-            deed(window);
-            PostMessageA(window, WM_COMMAND, kExitCommand, 0);
-        }));
-    }
 };
 
 TEST_F(GuiCommands, StartAndStopTurnTheCaptureSwitch) {

@@ -216,23 +216,6 @@ TEST_F(NotifyWindow, PaintsItsRamp) {
     ReleaseDC(nullptr, screen);
 }
 
-TEST_F(NotifyWindow, LeavesNoObjectsOfTheSystemBehind) {
-    const auto round = [&] {
-        popup->SetFont(10, 700);
-        popup->Show("text");
-        Tick(kFadeIn);
-        RedrawWindow(window(), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
-        Tick(kFadeOut);
-        EXPECT_FALSE(popup->IsShowing());
-    };
-    round();
-    const DWORD gdi = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-    const DWORD user = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
-    for (int i = 0; i < 5; ++i) round();
-    EXPECT_EQ(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), gdi);
-    EXPECT_EQ(GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS), user);
-}
-
 TEST_F(NotifyWindow, TheLastObjectTakesTheWindowClassAway) {
     auto second = std::make_unique<VardelNotifyWnd>(nullptr, Program(), system);
     popup.reset();
