@@ -24,7 +24,9 @@ FLAG = 146
 BUTTON_TYPE, GROUP_BOX, MULTILINE = 0xF, 7, 0x2000
 CHECKS_AND_RADIOS = (2, 3, 4, 5, 6, 9)
 STATIC_TYPE, STATIC_TEXTS, NO_PREFIX = 0x1F, (0, 1, 2), 0x80
-WS_CHILD = 0x40000000
+WS_CHILD, WS_GROUP, WS_TABSTOP = 0x40000000, 0x20000, 0x10000
+DEFAULT_BUTTON, RADIOS, OK = 1, (4, 9), 1
+FOCUSED = ("edit", "combobox", "listbox", "syslistview32", "systreeview32", "sysipaddress32")
 INPUTS = ("Edit", "ComboBox", "SYSIPADDRESS32")
 # What lies beside a text in its control, in pixels at 100 %.
 BESIDE_CHECK, BESIDE_PUSH_BUTTON, BESIDE_GROUP_TITLE, BESIDE_COMBO = 17, 12, 18, 24
@@ -162,6 +164,53 @@ def clashing_menu_keys(place, items):
             yield from clashing_menu_keys(f"{place}, {item.text}", item.children)
 
 
+def is_input(control):
+    """Takes the focus."""
+    is_button = control.kind == "Button" and control.style & BUTTON_TYPE != GROUP_BOX
+    return is_button or control.kind.lower() in FOCUSED
+
+
+def is_radio(control):
+    return control.kind == "Button" and control.style & BUTTON_TYPE in RADIOS
+
+
+def keyboard_gaps(resources):
+    """Tab must reach all inputs as they are read, arrow keys must stay among the radio buttons of a question, and
+    Enter must mean one button."""
+    for number, dialog in sorted(resources.dialogs.items()):
+        yield from (f"dialog {number}: {told}" for told in unreachable(dialog) + turning_back(dialog))
+        defaults = [c.id for c in dialog.controls if c.kind == "Button" and c.style & BUTTON_TYPE == DEFAULT_BUTTON]
+        has_ok = any(c.id == OK for c in dialog.controls)
+        if len(defaults) > 1 or dialog.style & WS_CHILD and defaults or has_ok and defaults != [OK]:
+            yield f"dialog {number}: Enter means {defaults}"
+
+
+def unreachable(dialog):
+    found, radio_before = [], False
+    for control in dialog.controls:
+        if control.style & WS_GROUP:
+            radio_before = False
+        if not is_input(control):
+            continue
+        if radio_before and not is_radio(control):
+            found.append(f"arrow keys lead from radio buttons to {control.id} {control.text!r}")
+        if not control.style & WS_TABSTOP and not radio_before:
+            found.append(f"tab does not reach {control.id} {control.text!r}")
+        radio_before = is_radio(control)
+    return found
+
+
+def turning_back(dialog):
+    """A control that stands before the one from which tab leads to it, unless a column begins there."""
+    found, inputs = [], [control for control in dialog.controls if is_input(control)]
+    for one, two in zip(inputs, inputs[1:]):
+        is_above, is_right = two.y + height(two) <= one.y, two.x >= one.x + one.width
+        same_row = two.y < one.y + height(one) and one.y < two.y + height(two)
+        if is_above and not is_right or same_row and two.x < one.x:
+            found.append(f"tab leads back from {one.id} {one.text!r} to {two.id} {two.text!r}")
+    return found
+
+
 def twice(place, texts):
     seen = {}
     for text in texts:
@@ -262,6 +311,7 @@ COMPARISONS = {
 RULES = {
     "texts keep within their bounds": texts_out_of_bounds,
     "no key stands twice": clashing_keys,
+    "the keyboard reaches each control": keyboard_gaps,
     "texts fit their controls": texts_that_do_not_fit,
     "controls leave each other room": controls_in_the_way,
 }

@@ -146,6 +146,27 @@ class BrokenLanguageTest(unittest.TestCase):
         self.change("languages/spanish/DialogTexts.h", 'TX_EXPORT_SETTINGS ".*"', 'TX_EXPORT_SETTINGS "Exportar"')
         self.assert_found(("spanish: no key stands twice", "no key for 'Exportar'"))
 
+    def assert_keyboard(self, place):
+        self.assert_found(*[(f"{name}: the keyboard reaches each control", place)
+                            for name in ("english", "french", "german", "spanish")])
+
+    def test_a_control_that_tab_does_not_reach(self):
+        self.change("resources/dialogs_hosts.rc", r"(IDC_HOST_ENTRY_IP, .*)WS_TABSTOP", r"\g<1>0")
+        self.assert_keyboard("dialog 144: tab does not reach 1061")
+
+    def test_a_control_out_of_its_order(self):
+        self.change("resources/dialogs_hosts.rc", r"^(.*IDC_TRUSTED_ADD.*\n)(.*IDC_TRUSTED_EDIT.*\n)", r"\2\1")
+        self.assert_keyboard("dialog 137: tab leads back")
+
+    def test_radio_buttons_that_lead_to_another_control(self):
+        self.change("resources/dialogs_settings.rc", r"(IDC_NOTIFY_TRUSTED, .*)WS_GROUP \| ", r"\g<1>")
+        self.assert_keyboard("dialog 118: arrow keys lead from radio buttons to")
+
+    def test_two_default_buttons(self):
+        self.change("resources/dialogs_hosts.rc", " PUSHBUTTON TX_CANCEL, IDCANCEL, 149, 49",
+                    " DEFPUSHBUTTON TX_CANCEL, IDCANCEL, 149, 49")
+        self.assert_keyboard("dialog 144: Enter means [1, 2]")
+
     def test_a_text_too_wide_for_its_control(self):
         self.change("languages/german/DialogTexts.h", 'TX_SETTINGS_HELP ".*"', 'TX_SETTINGS_HELP "&Hilfe und Anleitung"')
         self.assert_found(("german: texts fit their controls", "dialog 117, control 1016"))
