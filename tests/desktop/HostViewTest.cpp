@@ -5,6 +5,7 @@
 
 #include "resources/IconIds.h"
 #include "tests/desktop/HostViewFixture.h"
+#include "tests/unit/support/GuiObjects_win.h"
 
 namespace vardel {
 namespace {
@@ -435,12 +436,7 @@ TEST_F(HostView, LeavesNoObjectsOfTheSystemBehind) {
               });
     };
     openAndClose();
-    openAndClose();
-    const DWORD before[] = {GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS),
-                            GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS)};
-    for (int round = 0; round < 20; ++round) openAndClose();
-    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), before[0] + 2);
-    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS), before[1] + 2);
+    test::ExpectNoObjectsLeftBehind(20, openAndClose);
 }
 
 TEST_F(HostView, NamesInOtherCodePagesAreShownAsTheyStand) {
