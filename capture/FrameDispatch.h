@@ -14,11 +14,15 @@ constexpr u32 kEtherTypeOffset = 12;
 constexpr u16 kEtherTypeArp = 0x0806;
 constexpr u16 kEtherTypeRarp = 0x8035;
 
+inline bool IsArpFrame(const pcap_pkthdr& header, const u8* frame) {
+    const u16 etherType = FrameView(frame, header.caplen).Big16(kEtherTypeOffset);
+    return etherType == kEtherTypeArp || etherType == kEtherTypeRarp;
+}
+
 // Hands one frame to its handler. Neither `header` nor `frame` may be null.
 inline void DispatchFrame(const pcap_pkthdr* header, const u8* frame, VardelARPImpl& arp, VardelIPImpl& ip,
                           VardelData* data) {
-    const u16 etherType = FrameView(frame, header->caplen).Big16(kEtherTypeOffset);
-    if (etherType == kEtherTypeArp || etherType == kEtherTypeRarp) arp.PacketReceived(header, frame, data);
+    if (IsArpFrame(*header, frame)) arp.PacketReceived(header, frame, data);
     else ip.PacketReceived(header, frame, data);
 }
 

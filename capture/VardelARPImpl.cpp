@@ -37,12 +37,16 @@ void RefreshListedHost(ListedHost& listed, const TcString& name, const char* tim
 }  // namespace
 
 void FillVendor(HostRecord& host, const TcString& mac, VardelData& data) {
+    // Put together without the guards of a text that others see: this runs for each frame of an unknown vendor.
+    TcString::Words words{};
+    words.length = static_cast<u32>(
+        mac.GetLeft(reinterpret_cast<char*>(words.words), sizeof words.words, kVendorPrefixLength));
     TcString prefix;
-    prefix.Set(mac, mac.GetLength() < kVendorPrefixLength ? mac.GetLength() : kVendorPrefixLength);
+    prefix.SetWords(words);
     data.fences.WaitToFeed(Fence::VendorMap);
     {
         ReadPin pin;
-        const auto* entry = data.vendors.Find(prefix);
+        const auto* entry = data.vendors.Find(HashedKey(prefix, HashedKey::Mix(words.WideHash())));
         const TcString* vendor = entry ? entry->Value() : nullptr;
         if (vendor && !vendor->IsEmpty()) {
             host.vendor = *vendor;
@@ -52,31 +56,40 @@ void FillVendor(HostRecord& host, const TcString& mac, VardelData& data) {
     if (!host.vendorUnknown) return;
     char text[100];
     data.LoadText(kUnknownVendorText, text, sizeof text);
-    host.vendor = text;
+    if (host.vendor.Compare(text) != 0) host.vendor = text;
+}
+
+VardelARPImpl::Sender VardelARPImpl::SenderOf(const pcap_pkthdr& header, const u8* frame) {
+    u8 ip[4];
+    FrameView(frame, header.caplen).Copy(kSenderProtocolAddress, ip, sizeof ip);
+    const TcString::Words text = FormatIpAddress(ip);
+    return {text, HashedKey::Mix(text.WideHash()), (ip[0] | ip[1] | ip[2] | ip[3]) != 0};
 }
 
 u32 VardelARPImpl::PacketReceived(const pcap_pkthdr* header, const u8* frame, VardelData* data) {
+    if (header && frame && data) FrameReceived(*header, frame, SenderOf(*header, frame), *data);
+    else ++packetCount;
+    return 0;
+}
+
+void VardelARPImpl::FrameReceived(const pcap_pkthdr& header, const u8* frame, const Sender& sender,
+                                  VardelData& data) {
     ++packetCount;
-    if (!header || !frame || !data) return 0;
-    const FrameView view(frame, header->caplen);
-    u8 mac[6], ip[4];
-    view.Copy(kSenderHardwareAddress, mac, sizeof mac);
-    view.Copy(kSenderProtocolAddress, ip, sizeof ip);
-    if ((ip[0] | ip[1] | ip[2] | ip[3]) == 0) return 0;  // a probe of a host that has no address yet
+    if (!sender.isAddress) return;  // a probe
 
-    const i64 seconds = header->ts.tv_sec;
+    const i64 seconds = header.ts.tv_sec;
     TakeTime(seconds);
+    u8 mac[6];
+    FrameView(frame, header.caplen).Copy(kSenderHardwareAddress, mac, sizeof mac);
     macText.SetWords(FormatMacAddress(mac));
-    const TcString::Words address = FormatIpAddress(ip);
-    ipText.SetWords(address);
+    ipText.SetWords(sender.ip);
 
-    const HashedKey key(ipText, address.WideHash());
+    const HashedKey key(ipText, sender.mixedHash);
     try {
-        if (!RefreshIfKnown(key, seconds, *data)) AddNewHost(key, seconds, *data);
+        if (!RefreshIfKnown(key, seconds, data)) AddNewHost(key, seconds, data);
     } catch (const std::bad_alloc&) {
         // The frame's work is dropped; the next frame tries anew.
     }
-    return 0;
 }
 
 // One pin serves all look-ups of the frame. False for an address that is no key of the host table.
@@ -105,7 +118,7 @@ void VardelARPImpl::RefreshKnownHost(HostRecord& host, const HashedKey& key, i64
         data.fences.WaitToFeed(Fence::MacSpoofs);
         data.macSpoofs.Append(&host);
     } else if (!sameMac || host.vendorUnknown) {
-        host.mac = macText;
+        if (!sameMac) host.mac = macText;
         FillVendor(host, macText, data);
     }
 

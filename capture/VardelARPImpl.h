@@ -12,7 +12,17 @@ namespace vardel {
 
 class VardelARPImpl : public VardelCaptureData {
   public:
+    // The address that a frame comes from, as the host table is asked for it.
+    struct Sender {
+        TcString::Words ip;
+        u64 mixedHash;
+        bool isAddress;  // and not that of a host which has none yet
+    };
+    static Sender SenderOf(const pcap_pkthdr& header, const u8* frame);
+
     u32 PacketReceived(const pcap_pkthdr* header, const u8* frame, VardelData* data) override;
+    // The same where the frame's sender is worked out already.
+    void FrameReceived(const pcap_pkthdr& header, const u8* frame, const Sender& sender, VardelData& data);
 
     char timeText[20] = "";
     TcString ipText;

@@ -35,9 +35,10 @@ enum class Ownership { OwnsValues, BorrowsValues };
 
 // A key with its place already worked out, for several look-ups of one text.
 struct HashedKey {
-    explicit HashedKey(const TcString& text) : HashedKey(text, text.GetWideHash()) {}
-    // Where the text's hash is known already.
-    HashedKey(const TcString& text, u64 wideHash) : key(text), mixed((wideHash + 1) * ProcessSecret()) {}
+    explicit HashedKey(const TcString& text) : HashedKey(text, Mix(text.GetWideHash())) {}
+    // Where the text's hash is known and mixed already.
+    HashedKey(const TcString& text, u64 mixedHash) : key(text), mixed(mixedHash) {}
+    static u64 Mix(u64 wideHash) { return (wideHash + 1) * ProcessSecret(); }
     const TcString& key;
     u64 mixed;
 };
@@ -79,6 +80,20 @@ class SharedMap {
         requires(!std::is_void_v<RecordKey>)
     {
         return body_.load()->FindRecord(key, record);
+    }
+
+    // Two steps that bring the memory of a FindRecord to come: its slot, and once that is there, the record's first
+    // two cache lines. They find nothing and change nothing. The caller holds a ReadPin.
+    void FetchSlot(u64 mixed) const
+        requires(!std::is_void_v<RecordKey>)
+    {
+        const Table* probe = body_.load()->table.load();
+        __builtin_prefetch(&probe->recordSlots[(mixed >> probe->shift) & probe->mask]);
+    }
+    void FetchRecord(u64 mixed) const
+        requires(!std::is_void_v<RecordKey>)
+    {
+        body_.load()->FetchRecord(mixed);
     }
 
     // The record under the key, or null when absent or stored as null.
@@ -215,6 +230,21 @@ class SharedMap {
                 // What is read next lies behind the key's cache line.
                 __builtin_prefetch(reinterpret_cast<const char*>(record) + 64);
                 if (RecordKey::Of(*record) == wanted.key) return true;
+            }
+        }
+
+        void FetchRecord(u64 mixed) const {
+            const Table* probe = table.load();
+            const u64 tag = Tag(mixed);
+            for (u32 at = static_cast<u32>(mixed >> probe->shift);; ++at) {
+                const u64 slot = probe->recordSlots[at & probe->mask].load();
+                if (slot == 0) return;
+                if (!MayBe(slot, tag)) continue;
+                // Perhaps another one's, or none at all: it is only asked for and never followed.
+                const char* record = reinterpret_cast<const char*>(UnpackRecord(slot));
+                __builtin_prefetch(record, 1);
+                __builtin_prefetch(record + 64, 1);
+                return;
             }
         }
 

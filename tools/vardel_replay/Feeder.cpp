@@ -1,7 +1,5 @@
 #include "tools/vardel_replay/Feeder.h"
 
-#include "capture/FrameDispatch.h"
-
 namespace vardel::replay {
 
 void Feeder::Feed(const FrameBatch& batch) {
@@ -22,8 +20,9 @@ void Feeder::Feed(const FrameBatch& batch) {
 void Feeder::RunHandlers(const FrameBatch& batch, std::size_t from, std::size_t to) {
     const auto frames = batch.Frames().subspan(from, to - from);
     const auto start = std::chrono::steady_clock::now();
-    for (const FrameBatch::Frame& frame : frames)
-        DispatchFrame(&frame.header, batch.Bytes(frame), arp_, ip_, &data_);
+    lookAhead_.Dispatch(frames.size(), [&](std::size_t at) {
+        return HeldFrame{&frames[at].header, batch.Bytes(frames[at])};
+    });
     handlerTime_ += std::chrono::steady_clock::now() - start;
 }
 

@@ -4,9 +4,7 @@
 
 #include <chrono>
 
-#include "capture/VardelARPImpl.h"
-#include "capture/VardelData.h"
-#include "capture/VardelIPImpl.h"
+#include "capture/FrameLookAhead.h"
 #include "tools/vardel_replay/FrameBatch.h"
 
 namespace vardel::replay {
@@ -38,6 +36,7 @@ class Feeder {
     const bool drain_;
     VardelARPImpl arp_;
     VardelIPImpl ip_;
+    FrameLookAhead lookAhead_{arp_, ip_, data_};
     u64 read_ = 0;
     u32 untilDrain_ = kFramesBetweenDrains;
     std::chrono::steady_clock::duration handlerTime_{};

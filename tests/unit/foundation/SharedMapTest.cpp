@@ -244,6 +244,31 @@ TEST(SharedMap, AKeyWithoutARecordIsFoundWhenItsTagIsZero) {
     EXPECT_EQ(RecordIn(map, Key(n)), std::nullopt);
 }
 
+// A table that is full of neighbours, erased places and keys without a record is asked for all of them and more.
+TEST(SharedMap, BringsTheMemoryOfAnyKeyWithoutChangingWhatIsFound) {
+    Carrying map;
+    std::vector<std::unique_ptr<Named>> records;
+    const auto expectAll = [&] {
+        for (int n = 0; n < 1400; ++n) {
+            const TcString key = Key(n);
+            std::optional<Named*> expected;
+            if (n < static_cast<int>(records.size()) && n % 3 != 0)
+                expected = n % 5 == 0 ? nullptr : records[static_cast<std::size_t>(n)].get();
+            ReadPin pin;
+            map.FetchSlot(HashedKey(key).mixed);
+            map.FetchRecord(HashedKey(key).mixed);
+            EXPECT_EQ(RecordIn(map, key), expected) << n;
+        }
+    };
+    expectAll();
+    for (int n = 0; n < 700; ++n) {
+        records.push_back(std::make_unique<Named>(Named{Key(n)}));
+        map.Insert(Key(n), n % 5 == 0 ? nullptr : records.back().get());
+    }
+    for (int n = 0; n < 700; n += 3) map.Erase(Key(n));
+    expectAll();
+}
+
 TEST(SharedMap, LooksAtTheKeyOfTheRecordItself) {
     Carrying map;
     Named record{"another name"};
