@@ -18,7 +18,7 @@ ReadAhead::~ReadAhead() {
 
 FrameBatch* ReadAhead::TakeEmpty() {
     std::unique_lock hold(guard_);
-    changed_.wait(hold, [this] { return abandoned_ || !empty_.empty(); });
+    if (empty_.empty()) changed_.wait(hold, [this] { return abandoned_ || empty_.size() >= kEnough; });
     if (abandoned_) return nullptr;
     FrameBatch* batch = empty_.front();
     empty_.pop_front();
@@ -29,21 +29,23 @@ void ReadAhead::ReadAll() {
     while (FrameBatch* batch = TakeEmpty()) {
         batch->Clear();
         const bool more = savefiles_.Read(*batch);
+        bool enough;
         {
             std::lock_guard hold(guard_);
             if (more)
                 filled_.push_back(batch);
             else
                 atEnd_ = true;
+            enough = atEnd_ || filled_.size() == kEnough;
         }
-        changed_.notify_all();
+        if (enough) changed_.notify_all();
         if (!more) return;
     }
 }
 
 const FrameBatch* ReadAhead::Next() {
     std::unique_lock hold(guard_);
-    changed_.wait(hold, [this] { return atEnd_ || !filled_.empty(); });
+    if (filled_.empty()) changed_.wait(hold, [this] { return atEnd_ || filled_.size() >= kEnough; });
     if (filled_.empty()) return nullptr;
     const FrameBatch* batch = filled_.front();
     filled_.pop_front();
@@ -51,11 +53,13 @@ const FrameBatch* ReadAhead::Next() {
 }
 
 void ReadAhead::GiveBack(const FrameBatch* batch) {
+    bool enough;
     {
         std::lock_guard hold(guard_);
         empty_.push_back(const_cast<FrameBatch*>(batch));
+        enough = empty_.size() == kEnough;
     }
-    changed_.notify_all();
+    if (enough) changed_.notify_all();
 }
 
 }  // namespace vardel::replay

@@ -28,6 +28,8 @@ class ReadAhead {
 
   private:
     static constexpr std::size_t kBatches = 8;
+    // A thread that had to wait goes on once it has so many to work on: to wake it for each costs more.
+    static constexpr std::size_t kEnough = kBatches / 2;
 
     void ReadAll();
     FrameBatch* TakeEmpty();

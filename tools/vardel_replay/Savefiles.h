@@ -33,6 +33,7 @@ class Savefiles {
     };
     struct Savefile {
         std::string name;
+        std::unique_ptr<char[]> buffer;  // of the file behind the handle
         std::unique_ptr<pcap_t, CloseHandle> handle;
     };
     class FilterProgram {
