@@ -179,6 +179,7 @@ class Checks:
             with (wine_prefix.VirtualDisplay() as display, wine_prefix.WinePrefix(display=display.name) as wine,
                   tempfile.TemporaryDirectory() as folder):
                 wine.use_virtual_desktop()
+                wine.keep_desktop()
                 report = os.path.join(folder, "report.json")
                 environment = {**wine_prefix.environment(wine.path, display.name),
                                "GTEST_OUTPUT": "json:" + wine.windows_path(report)}

@@ -49,6 +49,16 @@ def wineserver_runs(prefix):
 
 @unittest.skipIf(NO_WINE, NO_WINE)
 class WinePrefixTest(unittest.TestCase):
+    def test_a_kept_desktop_has_a_user_until_the_prefix_ends(self):
+        with wine_prefix.VirtualDisplay() as display, wine_prefix.WinePrefix(display=display.name) as wine:
+            wine.use_virtual_desktop()
+            wine.keep_desktop()
+            # What a first test finds: the desktop is up, and nothing has to be waited for.
+            self.assertEqual(wine.run(["cmd", "/c", "echo here"]).stdout.strip(), "here")
+            self.assertTrue(wineserver_runs(wine.path))
+            prefix = wine.path
+        self.assertFalse(wineserver_runs(prefix))
+
     def test_registry_goes_out_and_comes_into_another_prefix(self):
         with tempfile.TemporaryDirectory() as folder:
             path = os.path.join(folder, "settings.reg")

@@ -16,6 +16,7 @@ import shutil
 import signal
 import subprocess
 import tempfile
+import time
 
 import orderly_exit
 
@@ -23,6 +24,7 @@ PROJECT_ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(_
 WINE_FONTS = "/usr/share/wine/fonts"
 COMMAND_SECONDS = 120
 END_SECONDS = 20
+DESKTOP_CLOSE_SECONDS = 2
 # Folders of the template whose files no program changes and that are most of its size: copies link to them.
 SHARED_FOLDERS = (
     "drive_c/windows/system32",
@@ -246,6 +248,15 @@ class WinePrefix:
                 f'\n[Software\\\\Wine\\\\Explorer]\n"Desktop"="{name}"\n'
                 f'\n[Software\\\\Wine\\\\Explorer\\\\Desktops]\n"{name}"="{size}"\n'
             )
+
+    def keep_desktop(self):
+        """Starts a program that stays until the prefix ends and uses its desktop. Wine closes a desktop that has had no
+        user for a second, with all windows on it; on a busy machine that second passes between Wine's own start and
+        the first window of a test, which then dies of an X error. To be called after `use_virtual_desktop`."""
+        keeper = self.start(["cmd", "/c", "echo up& pause"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                            stderr=subprocess.DEVNULL)
+        keeper.stdout.readline()
+        time.sleep(DESKTOP_CLOSE_SECONDS)  # one that was about to be closed has gone by then
 
     def export_registry(self, key, path):
         """Writes `key` and all below it as a registry text file, as the registry editor exports it."""
