@@ -67,13 +67,19 @@ VardelARPImpl::Sender VardelARPImpl::SenderOf(const pcap_pkthdr& header, const u
 }
 
 u32 VardelARPImpl::PacketReceived(const pcap_pkthdr* header, const u8* frame, VardelData* data) {
-    if (header && frame && data) FrameReceived(*header, frame, SenderOf(*header, frame), *data);
+    if (header && frame && data) Receive(*header, frame, SenderOf(*header, frame), *data);
     else ++packetCount;
     return 0;
 }
 
 void VardelARPImpl::FrameReceived(const pcap_pkthdr& header, const u8* frame, const Sender& sender,
                                   VardelData& data) {
+    Receive(header, frame, sender, data);
+}
+
+// In both ways of handing frames over, so that neither carries the sender through memory for the other's sake.
+[[gnu::always_inline]] inline void VardelARPImpl::Receive(const pcap_pkthdr& header, const u8* frame,
+                                                          const Sender& sender, VardelData& data) {
     ++packetCount;
     if (!sender.isAddress) return;  // a probe
 

@@ -29,6 +29,7 @@ class VardelARPImpl : public VardelCaptureData {
     TcString macText;
 
   private:
+    void Receive(const pcap_pkthdr& header, const u8* frame, const Sender& sender, VardelData& data);
     void TakeTime(i64 seconds);
     bool RefreshIfKnown(const HashedKey& key, i64 seconds, VardelData& data);
     void RefreshKnownHost(HostRecord& host, const HashedKey& key, i64 seconds, VardelData& data);
