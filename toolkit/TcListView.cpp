@@ -152,7 +152,8 @@ void TcListView::FitColumn(int column, int extra, const TextOf& textOf) {
         const WindowDc dc(control_);
         const Selected font(dc.Get(), GetStockObject(DEFAULT_GUI_FONT));
         TcString text;
-        for (const Row& row : rows_) {
+        const std::vector<Row> rows = rows_;  // who is asked may have messages handled, and the rows change
+        for (const Row& row : rows) {
             SIZE size{};
             if (textOf(row.item, text) && GetTextExtentPoint32A(dc.Get(), text, text.GetLength(), &size))
                 widest = std::max(widest, static_cast<int>(size.cx));

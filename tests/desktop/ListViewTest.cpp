@@ -189,6 +189,22 @@ TEST(ListView, HeaderTextsComeFromTheModuleAndAnewAfterALanguageChange) {
     });
 }
 
+TEST(ListView, RowsThatComeWhileAColumnIsFittedAreNotAskedFor) {
+    ListDialog dialog;
+    auto records = Records(3), later = Records(2000);
+    WithAll(dialog, records, [&] {
+        int asked = 0;
+        dialog.list.FitColumn(1, 16, [&](void* item, TcString& text) {
+            text = static_cast<ListRecord*>(item)->cells[1].c_str();
+            if (++asked == 1)
+                for (ListRecord& record : later) dialog.list.AddRow(&record);
+            return true;
+        });
+        EXPECT_EQ(asked, 3);
+        EXPECT_EQ(dialog.list.RowCount(), 2003);
+    });
+}
+
 TEST(ListView, AColumnIsFittedToItsWidestText) {
     ListDialog dialog;
     auto records = Records(3);
