@@ -204,8 +204,10 @@ INT_PTR TcDialog::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 // The result of a dialog procedure's message goes beside the word that it was handled.
+// Most answers are the one before, and reading it costs less than putting it.
 INT_PTR TcDialog::Answer(LRESULT result) const {
-    if (window_) SetWindowLongPtrA(window_, DWLP_MSGRESULT, result);
+    if (window_ && GetWindowLongPtrA(window_, DWLP_MSGRESULT) != result)
+        SetWindowLongPtrA(window_, DWLP_MSGRESULT, result);
     return TRUE;
 }
 

@@ -37,6 +37,12 @@ UniqueBitmap GreyColors(HDC dc, HBITMAP colors) {
     return grey;
 }
 
+int AskSystemDpi() {
+    const WindowDc screen(nullptr);
+    const int dpi = screen.Get() ? GetDeviceCaps(screen.Get(), LOGPIXELSX) : 0;
+    return dpi > 0 ? dpi : kPlainDpi;
+}
+
 }  // namespace
 
 HICON TcGuiTools::CreateGrayScaleIcon(HICON icon, HDC dc) {
@@ -71,9 +77,8 @@ std::wstring TcGuiTools::WideText(const std::string& text) {
 }
 
 int TcGuiTools::Dpi() {
-    const WindowDc screen(nullptr);
-    const int dpi = screen.Get() ? GetDeviceCaps(screen.Get(), LOGPIXELSX) : 0;
-    return dpi > 0 ? dpi : kPlainDpi;
+    static const int dpi = AskSystemDpi();  // asked for with every cell that is drawn
+    return dpi;
 }
 
 bool TcGuiTools::IsHighContrast() {

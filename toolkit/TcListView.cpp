@@ -63,6 +63,7 @@ bool TcListView::SetHwnd(HWND control) {
 void TcListView::Forget() {
     control_ = nullptr;
     sendsDirectly_ = false;
+    isReadInside_ = false;
     showsHeadings_ = false;
     columns_.clear();
     groups_.clear();
@@ -117,7 +118,7 @@ int TcListView::PutColumn(u32 textId, const char* title, int width, int format) 
     column.pszText = text.data();
     column.iSubItem = static_cast<int>(columns_.size());
     const auto at = static_cast<int>(control_ ? SendRecord(LVM_INSERTCOLUMNA, columns_.size(), column) : -1);
-    if (at >= 0) columns_.push_back({textId});
+    if (at >= 0) columns_.push_back({textId, at == 0 ? LVCFMT_LEFT : format});  // the first is always at the left
     return at;
 }
 
@@ -169,6 +170,9 @@ bool TcListView::OnOwnNotify(LPARAM data, LRESULT& result) {
     switch (reinterpret_cast<NMHDR*>(data)->code) {
         case LVN_GETDISPINFOA:
             return AnswerText(*reinterpret_cast<NMLVDISPINFOA*>(data));
+        case LVN_DELETEALLITEMS:
+            result = TRUE;  // no notice for each line: it owns nothing
+            return true;
         case LVN_ITEMCHANGED: {
             const auto& change = *reinterpret_cast<NMLISTVIEW*>(data);
             if (!showsHeadings_ || changing_ || change.iItem < 0 || RowOfLine(change.iItem) >= 0)
@@ -219,9 +223,20 @@ LRESULT TcListView::OnControlMessage(UINT message, WPARAM wParam, LPARAM lParam)
         return 0;
     }
     if (message == WM_NOTIFY && FitAsAsked(lParam)) return 0;
+    OpenCellsAskedFor(message, wParam, lParam);
     constexpr LPARAM kByKey = -1;
     if (message == WM_CONTEXTMENU && lParam == kByKey && showMenu_) return showMenu_(MenuPlace()), 0;
     return CallControl(control_, message, wParam, lParam);
+}
+
+// Cells are opened when somebody asks for one; a screen reader may go on to ask the control without a message.
+void TcListView::OpenCellsAskedFor(UINT message, WPARAM wParam, LPARAM lParam) {
+    const auto* asked = reinterpret_cast<const LVITEMA*>(lParam);
+    if (message == WM_GETOBJECT) OpenAllCells();
+    if ((message == LVM_GETITEMTEXTA || message == LVM_GETITEMTEXTW) && asked)
+        OpenCell(static_cast<int>(wParam), asked->iSubItem);
+    if ((message == LVM_GETITEMA || message == LVM_GETITEMW) && asked && (asked->mask & LVIF_TEXT))
+        OpenCell(asked->iItem, asked->iSubItem);
 }
 
 // The header tells its list first.
@@ -291,9 +306,8 @@ void TcListView::SelectAll() {
 
 void TcListView::RedrawRows() {
     if (!control_) return;
-    // What can be seen of them: naming all rows to the control costs time with each.
-    InvalidateRect(control_, nullptr, FALSE);
-    UpdateWindow(control_);
+    // What can be seen of them: naming all rows to the control costs time with each. The header stays as it is.
+    RedrawWindow(control_, nullptr, nullptr, RDW_INVALIDATE | RDW_NOCHILDREN | RDW_UPDATENOW);
     SetFocus(control_);
 }
 

@@ -140,6 +140,7 @@ class TcListView {
     };
     struct Column {
         u32 textId;  // 0: the title was given
+        int format;
     };
     struct Group {
         int id;
@@ -157,6 +158,7 @@ class TcListView {
     LRESULT MoveByKey(WPARAM key, LPARAM lParam);
     bool IsOnHeading(LPARAM point) const;
     void Forget();
+    void OpenCellsAskedFor(UINT message, WPARAM wParam, LPARAM lParam);
     void PutTitles();
     std::string TitleOf(u32 textId) const;
     int PutColumn(u32 textId, const char* title, int width, int format);
@@ -169,6 +171,9 @@ class TcListView {
 
     // Rows and lines. `content` is a row's number or a heading, see ListLayout.h.
     class Change;
+    void OpenCell(int line, int column) const;
+    void OpenCells(int line) const;
+    void OpenAllCells();
     bool InsertLine(int line, int content, UINT state, bool hasSelection);
     void PutSelection(LRESULT line, UINT state);
     bool PutGroup(const Group& group, bool isNew) const;
@@ -186,7 +191,7 @@ class TcListView {
     void DrawCells(const DRAWITEMSTRUCT& place);
     void DrawCell(const DRAWITEMSTRUCT& place, const Cell& cell);
     void DrawHeading(const DRAWITEMSTRUCT& place, const std::string& title);
-    RowPalette Palette() const;
+    RowPalette Palette(bool isHighContrast) const;
     RECT CellPlace(const DRAWITEMSTRUCT& place, int column) const;
 
     Link link_{*this};
@@ -203,6 +208,7 @@ class TcListView {
     std::function<void(POINT)> showMenu_;
     bool sendsDirectly_ = false;    // while many lines change, and nobody else wants to see the messages
     bool changing_ = false;         // lines and rows are being brought in line
+    bool isReadInside_ = false;     // a screen reader was handed the control's own view of its cells
     ItemIndex index_;
 };
 

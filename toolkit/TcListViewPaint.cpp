@@ -64,12 +64,10 @@ bool TcListView::OnDrawItem(DRAWITEMSTRUCT* item) {
     return true;
 }
 
-RowPalette TcListView::Palette() const {
-    const auto own = [this](UINT message, int otherwise) {
+RowPalette TcListView::Palette(bool isHighContrast) const {
+    const auto own = [this, isHighContrast](UINT message, int otherwise) {
         const auto color = static_cast<COLORREF>(Send(message));
-        return color == CLR_DEFAULT || color == CLR_NONE || TcGuiTools::IsHighContrast()
-                   ? GetSysColor(otherwise)
-                   : color;
+        return color == CLR_DEFAULT || color == CLR_NONE || isHighContrast ? GetSysColor(otherwise) : color;
     };
     return {.plain = {own(LVM_GETTEXTCOLOR, COLOR_WINDOWTEXT), own(LVM_GETBKCOLOR, COLOR_WINDOW)},
             .selected = {GetSysColor(COLOR_HIGHLIGHTTEXT), GetSysColor(COLOR_HIGHLIGHT)},
@@ -94,12 +92,12 @@ RECT TcListView::CellPlace(const DRAWITEMSTRUCT& place, int column) const {
 
 void TcListView::DrawCells(const DRAWITEMSTRUCT& place) {
     void* const item = reinterpret_cast<void*>(place.itemData);
-    const RowPalette palette = Palette();
     RowState state;
+    state.isHighContrast = TcGuiTools::IsHighContrast();
+    const RowPalette palette = Palette(state.isHighContrast);
     state.isSelected = (place.itemState & ODS_SELECTED) != 0;
     state.hasFocus = GetFocus() == control_;
     state.showsSelectionAlways = (GetWindowLongPtrA(control_, GWL_STYLE) & LVS_SHOWSELALWAYS) != 0;
-    state.isHighContrast = TcGuiTools::IsHighContrast();
     state.ownColor = item ? GetItemTextColor(item) : -1;
     const RowColors colors = ChooseRowColors(state, palette);
     state.isSelected = false;
@@ -107,7 +105,7 @@ void TcListView::DrawCells(const DRAWITEMSTRUCT& place) {
 
     FillCell(place.hDC, place.rcItem, colors.background);
     const auto images = reinterpret_cast<HIMAGELIST>(Send(LVM_GETIMAGELIST, LVSIL_SMALL));
-    for (int column = 0, count = ColumnCount(); column < count; ++column)
+    for (int column = 0; column < static_cast<int>(columns_.size()); ++column)
         DrawCell(place, {column, item, CellPlace(place, column), column == 0 ? first : colors, images});
     const bool showsFocus = (place.itemState & ODS_FOCUS) != 0 && (place.itemState & ODS_NOFOCUSRECT) == 0;
     if (showsFocus && state.hasFocus) {
@@ -135,19 +133,16 @@ void TcListView::DrawCell(const DRAWITEMSTRUCT& place, const Cell& cell) {
     }
     TcString content;
     if (!GetItemText(cell.column, cell.item, content) || content.IsEmpty()) return;
-    LVCOLUMNA column{};
-    column.mask = LVCF_FMT;
-    SendRecord(LVM_GETCOLUMNA, static_cast<WPARAM>(cell.column), column);
     InflateRect(&text, -TcGuiTools::Scaled(kCellMargin), 0);
     SetTextColor(place.hDC, cell.colors.text);
     SetBkMode(place.hDC, TRANSPARENT);
     const int length = OneLine(content);
     DrawTextA(place.hDC, content, length, &text,
-              DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX | AlignmentOf(column.fmt));
+              DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX | AlignmentOf(columns_[static_cast<std::size_t>(cell.column)].format));
 }
 
 void TcListView::DrawHeading(const DRAWITEMSTRUCT& place, const std::string& title) {
-    const RowPalette palette = Palette();
+    const RowPalette palette = Palette(TcGuiTools::IsHighContrast());
     FillCell(place.hDC, place.rcItem, palette.plain.background);
     LOGFONTA look{};
     GetObjectA(GetCurrentObject(place.hDC, OBJ_FONT), sizeof look, &look);

@@ -102,11 +102,27 @@ bool TcListView::InsertLine(int line, int content, UINT state, bool hasSelection
     const LRESULT at = SendRecord(LVM_INSERTITEMA, 0, item);
     if (at < 0) return false;
     if (hasSelection) PutSelection(at, state);
-    LVITEMA cell{};
-    cell.pszText = LPSTR_TEXTCALLBACKA;
-    for (cell.iSubItem = 1; cell.iSubItem < static_cast<int>(columns_.size()); ++cell.iSubItem)
-        SendRecord(LVM_SETITEMTEXTA, static_cast<WPARAM>(at), cell);
+    if (isReadInside_) OpenCells(static_cast<int>(at));
     return true;
+}
+
+// Lets the control ask for a cell's text. Drawing doesn't need it, and for many rows it takes the most time.
+void TcListView::OpenCell(int line, int column) const {
+    LVITEMA cell{};
+    cell.iSubItem = column;
+    cell.pszText = LPSTR_TEXTCALLBACKA;
+    if (column > 0) SendRecord(LVM_SETITEMTEXTA, static_cast<WPARAM>(line), cell);
+}
+
+void TcListView::OpenCells(int line) const {
+    for (int column = 1; column < static_cast<int>(columns_.size()); ++column) OpenCell(line, column);
+}
+
+void TcListView::OpenAllCells() {
+    if (isReadInside_) return;
+    isReadInside_ = true;
+    const Change change(*this);
+    for (int line = 0, count = static_cast<int>(Send(LVM_GETITEMCOUNT)); line < count; ++line) OpenCells(line);
 }
 
 // A line that comes in between selected ones must not count as one of them.

@@ -44,12 +44,17 @@ struct DcCloser {
     static void Close(HDC dc) { DeleteDC(dc); }
 };
 
+struct ImageListCloser {
+    static void Close(HIMAGELIST list) { ImageList_Destroy(list); }
+};
+
 using UniqueFont = UniqueHandle<HFONT, ObjectCloser>;
 using UniqueBrush = UniqueHandle<HBRUSH, ObjectCloser>;
 using UniquePen = UniqueHandle<HPEN, ObjectCloser>;
 using UniqueBitmap = UniqueHandle<HBITMAP, ObjectCloser>;
 using UniqueIcon = UniqueHandle<HICON, IconCloser>;
 using UniqueDc = UniqueHandle<HDC, DcCloser>;
+using UniqueImageList = UniqueHandle<HIMAGELIST, ImageListCloser>;
 
 // An object that is selected in a device context for the length of a block.
 class Selected {

@@ -42,6 +42,7 @@ class VardelViewDlg : public TcDialog {
     VardelViewList& List() { return list_; }
 
   private:
+    void LetPicturesGo();
     void SetWindowIcons();
     void BuildList();
     void BuildColumns();
@@ -80,7 +81,7 @@ class VardelViewDlg : public TcDialog {
     std::vector<ApplicationMenuEntry> offeredApplications_;
     std::vector<HostViewColumn> columns_;
     ColumnWidths widths_;
-    HIMAGELIST imageList_ = nullptr;
+    UniqueImageList imageList_;
     UniqueIcon smallIcon_, largeIcon_;
     HostRows rows_;
     VardelViewList list_;

@@ -50,6 +50,7 @@ VardelViewDlg::VardelViewDlg() : list_(*this) {
 
 void VardelViewDlg::Open(VardelData& data, ModuleHandle images) {
     data_ = &data;
+    if (images_ != images) LetPicturesGo();
     images_ = images;
     place_ = {};
     SetDialogIdent(IDD_HOST_VIEW);
@@ -81,9 +82,16 @@ bool VardelViewDlg::OnInitDialog(LPARAM) {
     return false;
 }
 
+// Pictures are made at the first opening and kept for the next.
+void VardelViewDlg::LetPicturesGo() {
+    imageList_.Reset();
+    smallIcon_.Reset();
+    largeIcon_.Reset();
+}
+
 void VardelViewDlg::SetWindowIcons() {
-    smallIcon_.Reset(TcGuiTools::LoadSizedIcon(images_, IDI_PROGRAM, kSmallIcon));
-    largeIcon_.Reset(TcGuiTools::LoadSizedIcon(images_, IDI_PROGRAM, kLargeIcon));
+    if (!smallIcon_) smallIcon_.Reset(TcGuiTools::LoadSizedIcon(images_, IDI_PROGRAM, kSmallIcon));
+    if (!largeIcon_) largeIcon_.Reset(TcGuiTools::LoadSizedIcon(images_, IDI_PROGRAM, kLargeIcon));
     SendMessageA(GetHwnd(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(smallIcon_.Get()));
     SendMessageA(GetHwnd(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(largeIcon_.Get()));
 }
@@ -115,18 +123,20 @@ void VardelViewDlg::BuildColumns() {
     }
 }
 
-// The control takes the image list over and frees it with itself.
+// The control borrows the image list: its style says so.
 void VardelViewDlg::BuildImages() {
-    const int edge = TcGuiTools::Scaled(kSmallIcon);
-    imageList_ = ImageList_Create(edge, edge, ILC_COLOR32 | ILC_MASK, static_cast<int>(std::size(kImages)), 1);
-    for (const ImageRow& image : kImages) {
-        const UniqueIcon icon(TcGuiTools::LoadSizedIcon(images_, image.icon, kSmallIcon));
-        ImageList_ReplaceIcon(imageList_, -1, icon.Get());
-        if (!image.withGrey) continue;
-        const UniqueIcon grey(TcGuiTools::CreateGrayScaleIcon(icon.Get(), nullptr));
-        ImageList_ReplaceIcon(imageList_, -1, grey.Get());
+    if (!imageList_) {
+        const int edge = TcGuiTools::Scaled(kSmallIcon);
+        imageList_.Reset(ImageList_Create(edge, edge, ILC_COLOR32 | ILC_MASK, static_cast<int>(std::size(kImages)), 1));
+        for (const ImageRow& image : kImages) {
+            const UniqueIcon icon(TcGuiTools::LoadSizedIcon(images_, image.icon, kSmallIcon));
+            ImageList_ReplaceIcon(imageList_.Get(), -1, icon.Get());
+            if (!image.withGrey) continue;
+            const UniqueIcon grey(TcGuiTools::CreateGrayScaleIcon(icon.Get(), nullptr));
+            ImageList_ReplaceIcon(imageList_.Get(), -1, grey.Get());
+        }
     }
-    SendMessageA(list_.GetHwnd(), LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(imageList_));
+    SendMessageA(list_.GetHwnd(), LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(imageList_.Get()));
 }
 
 void VardelViewDlg::EnableLayout() {

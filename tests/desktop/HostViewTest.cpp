@@ -64,6 +64,16 @@ TEST_F(HostView, HoldsTenPicturesOfSixteenPixels) {
     });
 }
 
+TEST_F(HostView, ItsPicturesAreMadeOnceAndOutliveTheWindow) {
+    HIMAGELIST first = nullptr;
+    While([&] { first = reinterpret_cast<HIMAGELIST>(SendMessageA(List(), LVM_GETIMAGELIST, LVSIL_SMALL, 0)); });
+    While([&] {
+        EXPECT_EQ(reinterpret_cast<HIMAGELIST>(SendMessageA(List(), LVM_GETIMAGELIST, LVSIL_SMALL, 0)), first);
+        EXPECT_EQ(ImageList_GetImageCount(first), 10);
+        EXPECT_TRUE(SendMessageA(view.GetHwnd(), WM_GETICON, ICON_SMALL, 0));
+    });
+}
+
 TEST_F(HostView, ShowsWhatIsKnownOfAHost) {
     HostRecord& host = Knows("10.0.0.1", TrustState::Trusted);
     host.mac = "00:11:22:33:44:55";

@@ -1,4 +1,5 @@
 #include "tests/desktop/ListFixture.h"
+#include "toolkit/ControlReflection.h"
 #include "toolkit/TcGuiTools.h"
 #include "toolkit/UniqueHandle.h"
 
@@ -39,6 +40,67 @@ TEST(ListView, RowsCarryTheirRecordsAndNoText) {
         records[1].cells[2] = "changed";
         EXPECT_EQ(dialog.TextOfLine(1, 2), "changed") << "asked for when it is needed";
     });
+}
+
+// What the control has of a cell when nobody asks the list for it.
+std::string OwnTextOf(HWND control, int line, int column) {
+    char text[260] = "";
+    LVITEMA item{};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = sizeof text;
+    CallControl(control, LVM_GETITEMTEXTA, static_cast<WPARAM>(line), reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
+TEST(ListView, CellsAreOpenedForWhoeverAsksForOne) {
+    ListDialog dialog;
+    auto records = Records(2);
+    WithAll(dialog, records, [&] {
+        LVITEMW item{};
+        wchar_t wide[20] = L"";
+        item.mask = LVIF_TEXT;
+        item.iItem = 1;
+        item.iSubItem = 2;
+        item.pszText = wide;
+        item.cchTextMax = 20;
+        EXPECT_TRUE(dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+        EXPECT_STREQ(wide, L"name 1");
+        item.iSubItem = 1;
+        EXPECT_TRUE(dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETITEMTEXTW, 1, reinterpret_cast<LPARAM>(&item)));
+        EXPECT_STREQ(wide, L"r1");
+        EXPECT_EQ(dialog.TextOfLine(0, 1), "r0");
+        EXPECT_FALSE(dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETITEMA, 0, 0)) << "a message without a record";
+    });
+}
+
+TEST(ListView, AScreenReaderThatReadsTheControlFromWithinFindsAllCells) {
+    ListDialog dialog;
+    auto records = Records(3);
+    ListRecord late;
+    late.cells[2] = "late";
+    WithAll(dialog, records, [&] {
+        dialog.SendCtrlMsg(CONTROL_LIST, WM_GETOBJECT, 0, OBJID_CLIENT);
+        EXPECT_EQ(OwnTextOf(dialog.Control(), 0, 1), "r0");
+        EXPECT_EQ(OwnTextOf(dialog.Control(), 2, 2), "name 2");
+        EXPECT_TRUE(dialog.list.AddRow(&late));
+        EXPECT_EQ(OwnTextOf(dialog.Control(), 3, 2), "late") << "of rows that come later, too";
+    });
+}
+
+TEST(ListView, ARepaintOfTheRowsLeavesTheHeaderAlone) {
+    ListDialog dialog;
+    auto records = Records(3);
+    dialog.inInit = [&] { AddAll(dialog.list, records); };
+    dialog.ShowFor({[&] {
+        const auto header = reinterpret_cast<HWND>(dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETHEADER, 0, 0));
+        UpdateWindow(dialog.Control());
+        UpdateWindow(header);
+        const int before = dialog.drawn;
+        dialog.list.RedrawRows();
+        EXPECT_EQ(dialog.drawn, before + 3);
+        EXPECT_FALSE(GetUpdateRect(header, nullptr, FALSE));
+    }});
 }
 
 TEST(ListView, TheRowOfARecordIsFound) {
