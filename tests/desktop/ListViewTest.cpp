@@ -1,5 +1,4 @@
 #include "tests/desktop/ListFixture.h"
-#include "toolkit/ControlReflection.h"
 #include "toolkit/TcGuiTools.h"
 #include "toolkit/UniqueHandle.h"
 
@@ -42,64 +41,99 @@ TEST(ListView, RowsCarryTheirRecordsAndNoText) {
     });
 }
 
-// What the control has of a cell when nobody asks the list for it.
-std::string OwnTextOf(HWND control, int line, int column) {
-    char text[260] = "";
-    LVITEMA item{};
-    item.iSubItem = column;
-    item.pszText = text;
-    item.cchTextMax = sizeof text;
-    CallControl(control, LVM_GETITEMTEXTA, static_cast<WPARAM>(line), reinterpret_cast<LPARAM>(&item));
-    return text;
-}
+// Notes as "line.column" which cells the control is told to ask for.
+class OpenedCells {
+  public:
+    explicit OpenedCells(HWND control) : control_(control) {
+        SetWindowSubclass(control_, &OpenedCells::Proc, 1, reinterpret_cast<DWORD_PTR>(this));
+    }
+    ~OpenedCells() { RemoveWindowSubclass(control_, &OpenedCells::Proc, 1); }
+    OpenedCells(const OpenedCells&) = delete;
+    OpenedCells& operator=(const OpenedCells&) = delete;
+    // Since the last call.
+    std::string Take() { return std::exchange(opened_, ""); }
+
+  private:
+    static LRESULT CALLBACK Proc(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR self) {
+        const auto* cell = reinterpret_cast<const LVITEMA*>(lParam);
+        if (message == LVM_SETITEMTEXTA && cell->pszText == LPSTR_TEXTCALLBACKA)
+            reinterpret_cast<OpenedCells*>(self)->opened_ +=
+                std::to_string(wParam) + "." + std::to_string(cell->iSubItem) + " ";
+        return DefSubclassProc(control, message, wParam, lParam);
+    }
+
+    const HWND control_;
+    std::string opened_;
+};
 
 TEST(ListView, CellsAreOpenedForWhoeverAsksForOne) {
     ListDialog dialog;
-    auto records = Records(2);
-    WithAll(dialog, records, [&] {
-        LVITEMW item{};
+    auto records = Records(3);
+    dialog.With([&] {
+        OpenedCells cells(dialog.Control());
+        AddAll(dialog.list, records);
+        EXPECT_EQ(cells.Take(), "") << "drawing needs none";
+        EXPECT_EQ(dialog.TextOfLine(1, 2), "name 1");
+        EXPECT_EQ(cells.Take(), "1.2 ");
+        EXPECT_EQ(dialog.TextOfLine(1, 0), "");
+        EXPECT_EQ(cells.Take(), "") << "the first is always open";
+
         wchar_t wide[20] = L"";
+        LVITEMW item{};
         item.mask = LVIF_TEXT;
-        item.iItem = 1;
-        item.iSubItem = 2;
+        item.iSubItem = 1;
         item.pszText = wide;
         item.cchTextMax = 20;
-        EXPECT_TRUE(dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)));
-        EXPECT_STREQ(wide, L"name 1");
-        item.iSubItem = 1;
-        EXPECT_TRUE(dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETITEMTEXTW, 1, reinterpret_cast<LPARAM>(&item)));
-        EXPECT_STREQ(wide, L"r1");
-        EXPECT_EQ(dialog.TextOfLine(0, 1), "r0");
-        EXPECT_FALSE(dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETITEMA, 0, 0)) << "a message without a record";
+        EXPECT_TRUE(dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETITEMTEXTW, 0, reinterpret_cast<LPARAM>(&item)));
+        EXPECT_STREQ(wide, L"r0");
+        EXPECT_EQ(cells.Take(), "0.1 ");
+        for (const UINT message : {LVM_GETITEMA, LVM_GETITEMW}) {
+            item.iItem = 2;
+            EXPECT_TRUE(dialog.SendCtrlMsg(CONTROL_LIST, message, 0, reinterpret_cast<LPARAM>(&item)));
+            EXPECT_EQ(cells.Take(), "2.1 ");
+            EXPECT_FALSE(dialog.SendCtrlMsg(CONTROL_LIST, message, 0, 0)) << "a message without a record";
+        }
+        item.mask = LVIF_STATE;
+        EXPECT_TRUE(dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item)));
+        EXPECT_EQ(cells.Take(), "") << "no text was asked for";
     });
 }
 
 TEST(ListView, AScreenReaderThatReadsTheControlFromWithinFindsAllCells) {
     ListDialog dialog;
-    auto records = Records(3);
+    auto records = Records(2);
     ListRecord late;
-    late.cells[2] = "late";
     WithAll(dialog, records, [&] {
+        OpenedCells cells(dialog.Control());
         dialog.SendCtrlMsg(CONTROL_LIST, WM_GETOBJECT, 0, OBJID_CLIENT);
-        EXPECT_EQ(OwnTextOf(dialog.Control(), 0, 1), "r0");
-        EXPECT_EQ(OwnTextOf(dialog.Control(), 2, 2), "name 2");
+        EXPECT_EQ(cells.Take(), "0.1 0.2 1.1 1.2 ");
+        dialog.SendCtrlMsg(CONTROL_LIST, WM_GETOBJECT, 0, OBJID_CLIENT);
+        EXPECT_EQ(cells.Take(), "") << "once is enough";
         EXPECT_TRUE(dialog.list.AddRow(&late));
-        EXPECT_EQ(OwnTextOf(dialog.Control(), 3, 2), "late") << "of rows that come later, too";
+        EXPECT_EQ(cells.Take(), "2.1 2.2 ") << "rows that come later, too";
     });
 }
 
 TEST(ListView, ARepaintOfTheRowsLeavesTheHeaderAlone) {
     ListDialog dialog;
     auto records = Records(3);
+    ListRecord late, later;
     dialog.inInit = [&] { AddAll(dialog.list, records); };
     dialog.ShowFor({[&] {
         const auto header = reinterpret_cast<HWND>(dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETHEADER, 0, 0));
         UpdateWindow(dialog.Control());
         UpdateWindow(header);
         const int before = dialog.drawn;
+        constexpr COLORREF kMark = RGB(255, 0, 255);
+        SetPixel(WindowDc(header).Get(), 5, 5, kMark);
         dialog.list.RedrawRows();
         EXPECT_EQ(dialog.drawn, before + 3);
-        EXPECT_FALSE(GetUpdateRect(header, nullptr, FALSE));
+        EXPECT_TRUE(dialog.list.AddRow(&late));
+        UpdateWindow(dialog.Control());
+        EXPECT_EQ(GetPixel(WindowDc(header).Get(), 5, 5), kMark) << "painted over";
+        InvalidateRect(header, nullptr, FALSE);
+        EXPECT_TRUE(dialog.list.AddRow(&later));
+        EXPECT_TRUE(GetUpdateRect(header, nullptr, FALSE)) << "but one that has to be painted stays so";
     }});
 }
 
@@ -162,9 +196,15 @@ TEST(ListView, AnOrderThatIsNoneIsRefused) {
 TEST(ListView, AllRowsGoAtOnce) {
     ListDialog dialog;
     auto records = Records(5);
+    int notices = 0;
+    dialog.onNotify = [&](int, LPARAM data) -> ULONG_PTR {
+        notices += reinterpret_cast<const NMHDR*>(data)->code == static_cast<UINT>(LVN_DELETEITEM);
+        return 0;
+    };
     WithAll(dialog, records, [&] {
         dialog.list.RemoveAllRows();
         EXPECT_EQ(dialog.LineCount(), 0);
+        EXPECT_EQ(notices, 0) << "one for each line would take its time";
         EXPECT_EQ(dialog.list.RowOfItem(&records[0]), -1);
         AddAll(dialog.list, records);
         EXPECT_EQ(dialog.LineCount(), 5);
