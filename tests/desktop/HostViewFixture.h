@@ -19,21 +19,13 @@ namespace vardel::test {
 class HostViewFixture : public ViewLan {
   protected:
     HostViewFixture() {
-        system.strings.texts = {{1, " "},
-                                {2, "IP - Address"},
-                                {3, "MAC - Address"},
-                                {4, "Last received packet"},
-                                {5, "Hostname"},
-                                {6, "Networkcard vendor"},
-                                {7, "Adv. informations"},
-                                {92, "Access denied"},
-                                {93, "Access blocked"},
-                                {157, "No administrative Account available"},
-                                {500, "Trusted hosts"},
-                                {501, "Distrusted hosts"},
-                                {502, "Unknown hosts"}};
-        data.settings.VisibleColumns = 11111;
-        data.settings.SaveColumnWidth = 0;
+        ShowAllColumns();
+        system.strings.texts.insert({{92, "Access denied"},
+                                     {93, "Access blocked"},
+                                     {157, "No administrative Account available"},
+                                     {500, "Trusted hosts"},
+                                     {501, "Distrusted hosts"},
+                                     {502, "Unknown hosts"}});
         data.settings.SaveViewWindow = 0;
         data.settings.ViewOfflineRed = 0;
     }

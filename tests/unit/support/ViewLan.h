@@ -31,6 +31,18 @@ class ViewLan : public SettingsFixture {
         EXPECT_TRUE(data.arpMap.Insert(ip.c_str(), host));
         return *host;
     }
+    // All fixed columns with their titles, as wide as they come.
+    void ShowAllColumns() {
+        system.strings.texts = {{1, " "},
+                                {2, "IP - Address"},
+                                {3, "MAC - Address"},
+                                {4, "Last received packet"},
+                                {5, "Hostname"},
+                                {6, "Networkcard vendor"},
+                                {7, "Adv. informations"}};
+        data.settings.VisibleColumns = 11111;
+        data.settings.SaveColumnWidth = 0;
+    }
     RowChanges Refresh() { return rows.Refresh(data, now); }
 
     // "IP:GROUP" of each row, from the top; each record knows its row.

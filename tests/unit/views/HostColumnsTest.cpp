@@ -7,17 +7,7 @@ namespace vardel {
 namespace {
 
 struct HostColumnsTest : test::ViewLan {
-    HostColumnsTest() {
-        system.strings.texts = {{1, " "},
-                                {2, "IP - Address"},
-                                {3, "MAC - Address"},
-                                {4, "Last received packet"},
-                                {5, "Hostname"},
-                                {6, "Networkcard vendor"},
-                                {7, "Adv. informations"}};
-        data.settings.VisibleColumns = 11111;
-        data.settings.SaveColumnWidth = 0;
-    }
+    HostColumnsTest() { ShowAllColumns(); }
     // "TITLE WIDTH" of each column.
     std::vector<std::string> Titles() {
         std::vector<std::string> titles;
