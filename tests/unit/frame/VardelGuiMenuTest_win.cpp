@@ -1,6 +1,7 @@
 // The tray's menu and the timers of the running frame. Menus are driven by the keys that a user would press.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -61,6 +62,13 @@ struct GuiMenu : test::RunningGui {
         EXPECT_TRUE(Until([&] { return !IsInMenu(window); })) << "the menu is still there";
         SendMessageA(window, WM_NULL, 0, 0);  // what was chosen has been done
     }
+    // With the menu open; Escape leaves it.
+    static void LookAtMenu(HWND window, const std::function<void()>& look = [] {}) {
+        OpenMenu(window);
+        look();
+        PressKey(window, VK_ESCAPE);
+        ExpectNoMenu(window);
+    }
     void Choose(HWND window, const LanguageEntry& language) {
         OpenMenu(window);
         TypeKey(window, 'l');
@@ -69,7 +77,16 @@ struct GuiMenu : test::RunningGui {
         ExpectNoMenu(window);
     }
 
-    UINT StateOf(UINT command) const { return GetMenuState(gui.Menus().Popup(), command, MF_BYCOMMAND); }
+    bool Is(UINT state, UINT command) const {
+        return (GetMenuState(gui.Menus().Popup(), command, MF_BYCOMMAND) & state) != 0;
+    }
+    bool IsGrey(UINT command) const { return Is(MF_GRAYED, command); }
+    void ExpectOnlyStopIsOffered(HWND window) {
+        LookAtMenu(window, [&] {
+            EXPECT_TRUE(IsGrey(kStartCommand));
+            EXPECT_FALSE(IsGrey(kStopCommand));
+        });
+    }
     std::wstring TextOf(UINT command) const {
         MENUITEMINFOA info{};
         info.cbSize = sizeof info;
@@ -93,9 +110,7 @@ struct GuiMenu : test::RunningGui {
 TEST_F(GuiMenu, ARightClickOnTheIconOpensItAndEscapeChoosesNothing) {
     app.data.settings.UseToolTips = 1;
     While([&](HWND window) {
-        OpenMenu(window);
-        PressKey(window, VK_ESCAPE);
-        ExpectNoMenu(window);
+        LookAtMenu(window);
         EXPECT_TRUE(IsWindow(window));
         EXPECT_EQ(app.data.settings.UseToolTips.Get(), 1);
     });
@@ -115,7 +130,7 @@ TEST_F(GuiMenu, AChosenItemIsCarriedOutAndTheMarkFollows) {
     While([&](HWND window) {
         for (const u8 alerts : {0, 1}) {
             OpenMenu(window);
-            EXPECT_EQ((StateOf(kSilentCommand) & MF_CHECKED) != 0, alerts != 0) << "silent before the choice";
+            EXPECT_EQ(Is(MF_CHECKED, kSilentCommand), alerts != 0) << "silent before the choice";
             TypeKey(window, 'm');
             ExpectNoMenu(window);
             EXPECT_EQ(app.data.settings.UseToolTips.Get(), alerts);
@@ -129,28 +144,23 @@ TEST_F(GuiMenu, WhatHasNothingToShowIsGrey) {
     While([&](HWND window) {
         OpenMenu(window);
         for (const UINT command : {kStopCommand, kResourcesCommand, kEventLogCommand, kSysLogCommand})
-            EXPECT_TRUE(StateOf(command) & MF_GRAYED) << command;
+            EXPECT_TRUE(IsGrey(command)) << command;
         for (const UINT command : {kStartCommand, kSilentCommand, kAboutCommand, kHelpCommand})
-            EXPECT_FALSE(StateOf(command) & MF_GRAYED) << command;
-        EXPECT_FALSE(StateOf(kExitCommand) & MF_GRAYED);
+            EXPECT_FALSE(IsGrey(command)) << command;
+        EXPECT_FALSE(IsGrey(kExitCommand));
         TypeKey(window, 's');
         ExpectNoMenu(window);
         EXPECT_EQ(app.data.capturing.Get(), 1);
-        OpenMenu(window);
-        EXPECT_TRUE(StateOf(kStartCommand) & MF_GRAYED);
-        EXPECT_FALSE(StateOf(kStopCommand) & MF_GRAYED);
-        PressKey(window, VK_ESCAPE);
-        ExpectNoMenu(window);
+        ExpectOnlyStopIsOffered(window);
     });
 }
 
 TEST_F(GuiMenu, WithoutAnInterfaceStartAndStopAreAtFirstBothThere) {
     While([&](HWND window) {
-        OpenMenu(window);
-        EXPECT_FALSE(StateOf(kStartCommand) & MF_GRAYED);
-        EXPECT_FALSE(StateOf(kStopCommand) & MF_GRAYED);
-        PressKey(window, VK_ESCAPE);
-        ExpectNoMenu(window);
+        LookAtMenu(window, [&] {
+            EXPECT_FALSE(IsGrey(kStartCommand));
+            EXPECT_FALSE(IsGrey(kStopCommand));
+        });
     });
 }
 
@@ -198,11 +208,7 @@ TEST_F(GuiMenu, ANewLanguageShowsStartAndStopAsTheCaptureSwitchIs) {
     app.data.capturing = 1;
     While([&](HWND window) {
         Choose(window, *app.data.languages.FindValue("Deutsch"));
-        OpenMenu(window);
-        EXPECT_TRUE(StateOf(kStartCommand) & MF_GRAYED);
-        EXPECT_FALSE(StateOf(kStopCommand) & MF_GRAYED);
-        PressKey(window, VK_ESCAPE);
-        ExpectNoMenu(window);
+        ExpectOnlyStopIsOffered(window);
     });
 }
 
@@ -210,9 +216,7 @@ TEST_F(GuiMenu, OpeningTheMenuOftenLeavesNothingBehind) {
     AddTwoLanguages();
     While([&](HWND window) {
         ExpectNoObjectsLeftBehindBy(window, 8, [&] {
-            OpenMenu(window);
-            PressKey(window, VK_ESCAPE);
-            ExpectNoMenu(window);
+            LookAtMenu(window);
             Choose(window, *app.data.languages.FindValue("English"));
         });
     });
