@@ -8,6 +8,7 @@
 
 #include "resources/DialogIds.h"
 #include "tests/desktop/DesktopFixture.h"
+#include "tests/desktop/ListControl.h"
 #include "tests/desktop/OpenMenu.h"
 #include "tests/unit/support/ScriptedPlugins.h"
 #include "tests/unit/support/ViewLan.h"
@@ -41,7 +42,7 @@ class HostViewFixture : public ViewLan {
     }
 
     HWND List() { return view.GetControl(IDC_HOST_LIST); }
-    HWND Header() { return reinterpret_cast<HWND>(SendMessageA(List(), LVM_GETHEADER, 0, 0)); }
+    HWND Header() { return HeaderOf(List()); }
     // As the window's timer does every second.
     void Tick() { SendMessageA(view.GetHwnd(), WM_TIMER, 10001, 0); }
     void Command(UINT command) { SendMessageA(view.GetHwnd(), WM_COMMAND, command, 0); }
@@ -51,16 +52,8 @@ class HostViewFixture : public ViewLan {
         return text.GetContent();
     }
 
-    int LineCount() { return static_cast<int>(SendMessageA(List(), LVM_GETITEMCOUNT, 0, 0)); }
-    std::string Cell(int line, int column) {
-        char text[260] = "";
-        LVITEMA item{};
-        item.iSubItem = column;
-        item.pszText = text;
-        item.cchTextMax = sizeof text;
-        SendMessageA(List(), LVM_GETITEMTEXTA, static_cast<WPARAM>(line), reinterpret_cast<LPARAM>(&item));
-        return text;
-    }
+    int LineCount() { return LineCountOf(List()); }
+    std::string Cell(int line, int column) { return CellText(List(), line, column); }
     // Of the line whose cell in the column is `text`; -1: none.
     int LineOf(const std::string& text, int column = 1) {
         for (int line = 0; line < LineCount(); ++line)
@@ -74,19 +67,10 @@ class HostViewFixture : public ViewLan {
             all += view.List().RowOfLine(line) < 0 ? "[" + Cell(line, 0) + "] " : Cell(line, 1) + " ";
         return all;
     }
-    std::string Title(int column) {
-        char text[100] = "";
-        HDITEMA item{};
-        item.mask = HDI_TEXT;
-        item.pszText = text;
-        item.cchTextMax = sizeof text;
-        SendMessageA(Header(), HDM_GETITEMA, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
-        return text;
-    }
     std::vector<std::string> Titles() {
         std::vector<std::string> titles;
         const auto count = static_cast<int>(SendMessageA(Header(), HDM_GETITEMCOUNT, 0, 0));
-        for (int column = 0; column < count; ++column) titles.push_back(Title(column));
+        for (int column = 0; column < count; ++column) titles.push_back(ColumnTitle(List(), column));
         return titles;
     }
     int Width(int column) {
@@ -117,17 +101,7 @@ class HostViewFixture : public ViewLan {
 
     // How many pixels of a line are of a colour.
     int PixelsOf(int line, COLORREF color) {
-        RECT client{}, place{};
-        GetClientRect(List(), &client);
-        place.left = LVIR_BOUNDS;
-        SendMessageA(List(), LVM_GETITEMRECT, static_cast<WPARAM>(line), reinterpret_cast<LPARAM>(&place));
-        Canvas canvas(static_cast<int>(client.right), static_cast<int>(client.bottom));
-        UpdateWindow(List());
-        const HDC dc = GetDC(List());
-        BitBlt(canvas.Dc(), 0, 0, client.right, client.bottom, dc, 0, 0, SRCCOPY);
-        ReleaseDC(List(), dc);
-        place.right = std::min(place.right, client.right);
-        return canvas.Count(color, place);
+        return PictureOf(List())->Count(color, PlaceOfLine(List(), line));
     }
 
     VardelViewDlg view;
@@ -140,5 +114,8 @@ class HostViewFixture : public ViewLan {
         return MAKELPARAM(x, (place.top + place.bottom) / 2);
     }
 };
+
+// The view as its user meets it.
+struct HostView : HostViewFixture {};
 
 }  // namespace vardel::test

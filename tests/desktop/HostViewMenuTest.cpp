@@ -68,10 +68,7 @@ TEST_F(HostViewMenu, ARightClickOpensItForTheRowBeneath) {
     Knows("10.0.0.5");
     While(
         [&] {
-            RECT place{};
-            place.left = LVIR_LABEL;
-            SendMessageA(List(), LVM_GETITEMRECT, static_cast<WPARAM>(LineOf("10.0.0.5")),
-                         reinterpret_cast<LPARAM>(&place));
+            const RECT place = test::PlaceOfLine(List(), LineOf("10.0.0.5"), LVIR_LABEL);
             POINT point{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
             const LPARAM where = MAKELPARAM(point.x, point.y);
             ClientToScreen(List(), &point);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/desktop/DesktopFixture.h"
+#include "tests/desktop/ListControl.h"
 #include "toolkit/TcListView.h"
 
 namespace vardel::test {
@@ -61,7 +62,7 @@ class ListDialog : public ToldDialog {
     }
 
     HWND Control() const { return GetControl(CONTROL_LIST); }
-    int LineCount() const { return static_cast<int>(SendCtrlMsg(CONTROL_LIST, LVM_GETITEMCOUNT, 0, 0)); }
+    int LineCount() const { return LineCountOf(Control()); }
     void* RecordOfLine(int line) const {
         LVITEMA item{};
         item.mask = LVIF_PARAM;
@@ -69,16 +70,7 @@ class ListDialog : public ToldDialog {
         EXPECT_TRUE(SendCtrlMsg(CONTROL_LIST, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item)));
         return reinterpret_cast<void*>(item.lParam);
     }
-    std::string TextOfLine(int line, int column) const {
-        char text[260] = "";
-        LVITEMA item{};
-        item.iSubItem = column;
-        item.pszText = text;
-        item.cchTextMax = sizeof text;
-        SendCtrlMsg(CONTROL_LIST, LVM_GETITEMTEXTA, static_cast<WPARAM>(line),
-                    reinterpret_cast<LPARAM>(&item));
-        return text;
-    }
+    std::string TextOfLine(int line, int column) const { return CellText(Control(), line, column); }
     void Select(int line, bool focus = false) {
         LVITEMA item{};
         item.state = LVIS_SELECTED | (focus ? LVIS_FOCUSED : 0u);
@@ -104,24 +96,8 @@ class ListDialog : public ToldDialog {
         return all;
     }
     // The whole list as it is drawn.
-    std::unique_ptr<Canvas> Picture() const {
-        RECT client{};
-        GetClientRect(Control(), &client);
-        auto canvas =
-            std::make_unique<Canvas>(static_cast<int>(client.right), static_cast<int>(client.bottom));
-        UpdateWindow(Control());
-        const HDC dc = GetDC(Control());
-        BitBlt(canvas->Dc(), 0, 0, client.right, client.bottom, dc, 0, 0, SRCCOPY);
-        ReleaseDC(Control(), dc);
-        return canvas;
-    }
-    RECT PlaceOfLine(int line) const {
-        RECT place{};
-        place.left = LVIR_BOUNDS;
-        SendCtrlMsg(CONTROL_LIST, LVM_GETITEMRECT, static_cast<WPARAM>(line),
-                    reinterpret_cast<LPARAM>(&place));
-        return place;
-    }
+    std::unique_ptr<Canvas> Picture() const { return PictureOf(Control()); }
+    RECT PlaceOfLine(int line) const { return test::PlaceOfLine(Control(), line); }
 
     RecordList list;
     int drawn = 0;

@@ -120,7 +120,7 @@ TEST(ListView, ARepaintOfTheRowsLeavesTheHeaderAlone) {
     ListRecord late, later;
     dialog.inInit = [&] { AddAll(dialog.list, records); };
     dialog.ShowFor({[&] {
-        const auto header = reinterpret_cast<HWND>(dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETHEADER, 0, 0));
+        const HWND header = HeaderOf(dialog.Control());
         UpdateWindow(dialog.Control());
         UpdateWindow(header);
         const int before = dialog.drawn;
@@ -261,22 +261,11 @@ TEST(ListView, WithoutAControlOnlyTheModuleIsKept) {
     list.RemoveAllRows();
 }
 
-std::string Title(const ListDialog& dialog, int column) {
-    char title[100] = "";
-    LVCOLUMNA told{};
-    told.mask = LVCF_TEXT;
-    told.pszText = title;
-    told.cchTextMax = sizeof title;
-    dialog.SendCtrlMsg(CONTROL_LIST, LVM_GETCOLUMNA, static_cast<WPARAM>(column),
-                       reinterpret_cast<LPARAM>(&told));
-    return title;
-}
-
 TEST(ListView, HeaderTextsComeFromTheModuleAndAnewAfterALanguageChange) {
     ListDialog dialog;
     dialog.With([&] {
         EXPECT_EQ(dialog.list.AddColumn(TEXT_FIRST_COLUMN, 100), 3);
-        EXPECT_EQ(Title(dialog, 3), "IP - Address");
+        EXPECT_EQ(ColumnTitle(dialog.Control(), 3), "IP - Address");
         LVCOLUMNA column{};
         char other[] = "other";
         column.mask = LVCF_TEXT;
@@ -285,8 +274,8 @@ TEST(ListView, HeaderTextsComeFromTheModuleAndAnewAfterALanguageChange) {
             dialog.SendCtrlMsg(CONTROL_LIST, LVM_SETCOLUMNA, static_cast<WPARAM>(at),
                                reinterpret_cast<LPARAM>(&column));
         EXPECT_TRUE(dialog.list.InitListView(nullptr, dialog.Control()));
-        EXPECT_EQ(Title(dialog, 3), "IP - Address");
-        EXPECT_EQ(Title(dialog, 1), "other") << "a title that was given is not the language's";
+        EXPECT_EQ(ColumnTitle(dialog.Control(), 3), "IP - Address");
+        EXPECT_EQ(ColumnTitle(dialog.Control(), 1), "other") << "a title that was given is not the language's";
         EXPECT_EQ(dialog.list.ColumnCount(), 4);
     });
 }

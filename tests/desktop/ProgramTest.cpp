@@ -6,6 +6,7 @@
 #include "frame/VardelGui.h"
 #include "resources/MenuIds.h"
 #include "tests/desktop/DesktopFixture.h"
+#include "tests/desktop/ListControl.h"
 #include "tests/desktop/OpenMenu.h"
 #include "tests/unit/support/TestServices.h"
 #include "views/HostRows.h"
@@ -142,17 +143,7 @@ TEST_F(ProgramWindows, TheTraysMenuOffersTheHostViewAndGreysWhatIsNotThere) {
 TEST_F(ProgramWindows, AnotherLanguageIsTheHeadersAtOnceAndTheRestOfTheNextOpening) {
     const HMODULE german = LoadLibraryExA(VARDEL_LANGUAGES "/german.lang", nullptr, LOAD_LIBRARY_AS_DATAFILE);
     ASSERT_NE(german, nullptr);
-    const auto title = [&] {
-        char text[100] = "";
-        HDITEMA item{};
-        item.mask = HDI_TEXT;
-        item.pszText = text;
-        item.cchTextMax = sizeof text;
-        const HWND list = frame.View().List().GetHwnd();
-        const auto header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
-        SendMessageA(header, HDM_GETITEMA, 1, reinterpret_cast<LPARAM>(&item));
-        return std::string(text);
-    };
+    const auto title = [&] { return test::ColumnTitle(frame.View().List().GetHwnd(), 1); };
     While([] { Post(kViewCommand); },
           [&] {
               EXPECT_EQ(title(), "IP - Address");
