@@ -1,9 +1,6 @@
-// The host view as its user meets it: opening, rows, colours, sorting, closing.
+// The host view as its user meets it: opening, rows, colours, its place, closing.
 #include <algorithm>
-#include <functional>
-#include <memory>
 
-#include "resources/IconIds.h"
 #include "tests/desktop/HostViewFixture.h"
 #include "tests/unit/support/GuiObjects_win.h"
 
@@ -12,7 +9,7 @@ namespace {
 
 constexpr COLORREF kGrey = RGB(100, 100, 100), kRed = RGB(180, 0, 0), kDarkBlue = RGB(17, 13, 130);
 
-struct HostView : test::HostViewFixture {};
+using test::HostView;
 
 TEST_F(HostView, OpensWithItsColumnsItsGroupsAndTheCount) {
     Knows("10.0.0.1", TrustState::Trusted);
@@ -88,16 +85,6 @@ TEST_F(HostView, ShowsWhatIsKnownOfAHost) {
         EXPECT_EQ(view.List().GetItemImage(0, &host), 0);
         EXPECT_EQ(view.List().GetItemImage(6, &host), 7);
         EXPECT_EQ(view.List().GetItemImage(1, &host), -1);
-    });
-}
-
-TEST_F(HostView, HiddenColumnsAreNotThere) {
-    data.settings.VisibleColumns = 100;
-    HostRecord& host = Knows("10.0.0.1");
-    host.hostName = "nas";
-    While([&] {
-        EXPECT_EQ(Titles(), (std::vector<std::string>{" ", "IP - Address", "Hostname"}));
-        EXPECT_EQ(Cell(LineOf("10.0.0.1"), 2), "nas");
     });
 }
 
@@ -186,79 +173,6 @@ TEST_F(HostView, AnOfflineHostIsRedOnlyWhereTheUserWantsIt) {
     });
 }
 
-TEST_F(HostView, AClickOnAHeaderSortsAndEveryClickTurnsTheDirection) {
-    Knows("10.0.0.10").mac = "00:00:00:00:00:01";
-    Knows("10.0.0.9").mac = "00:00:00:00:00:02";
-    While(
-        [&] {
-            ClickHeader(1);
-            EXPECT_EQ(Lines(), "[Unknown hosts] 10.0.0.9 10.0.0.10 ");
-            ClickHeader(1);
-            EXPECT_EQ(Lines(), "[Unknown hosts] 10.0.0.10 10.0.0.9 ");
-            ClickHeader(2);
-            EXPECT_EQ(Lines(), "[Unknown hosts] 10.0.0.10 10.0.0.9 ") << "ascending again, by another column";
-            ClickHeader(1);
-            EXPECT_EQ(Lines(), "[Unknown hosts] 10.0.0.10 10.0.0.9 ");
-        },
-        [&] { EXPECT_FALSE(view.SortsAscending()); });
-    While([&] {
-        ClickHeader(1);
-        EXPECT_EQ(Lines(), "[Unknown hosts] 10.0.0.9 10.0.0.10 ") << "the direction outlives the window";
-    });
-}
-
-TEST_F(HostView, HostsThatComeLaterJoinAtTheEndUntilTheNextClick) {
-    Knows("10.0.0.5");
-    Knows("10.0.0.9");
-    While([&] {
-        ClickHeader(1);
-        Knows("10.0.0.7");
-        Tick();
-        EXPECT_EQ(Lines(), "[Unknown hosts] 10.0.0.5 10.0.0.9 10.0.0.7 ");
-        ClickHeader(1);
-        EXPECT_EQ(Lines(), "[Unknown hosts] 10.0.0.9 10.0.0.7 10.0.0.5 ");
-    });
-}
-
-TEST_F(HostView, ADoubleClickOnADividerFitsTheColumn) {
-    HostRecord& host = Knows("10.0.0.5");
-    host.hostName = "a name that is much longer than its column";
-    host.os = "an operating system";
-    host.wmiOsKnown = 1;
-    Knows("10.0.0.6");
-    While([&] {
-        const HDC dc = GetDC(List());
-        const HGDIOBJ old = SelectObject(dc, GetStockObject(DEFAULT_GUI_FONT));
-        const auto extent = [&](const std::string& text) {
-            SIZE size{};
-            GetTextExtentPoint32A(dc, text.c_str(), static_cast<int>(text.size()), &size);
-            return static_cast<int>(size.cx);
-        };
-        const int name = extent("a name that is much longer than its column"), osText = extent("an operating system");
-        SelectObject(dc, old);
-        ReleaseDC(List(), dc);
-        SetWidth(0, 60);
-        DoubleClickDivider(0);
-        EXPECT_EQ(Width(0), TcGuiTools::Scaled(25));
-        DoubleClickDivider(4);
-        EXPECT_EQ(Width(4), name + TcGuiTools::Scaled(16));
-        for (int column = 2; column <= 6; ++column) SetWidth(column, 60);  // all of them can be seen
-        DoubleClickDivider(6);
-        EXPECT_EQ(Width(6), osText + TcGuiTools::Scaled(40)) << "the icon takes its place";
-    });
-}
-
-TEST_F(HostView, AColumnWithoutTextsIsAsWideAsItsHeader) {
-    Knows("10.0.0.5");
-    While([&] {
-        SendMessageA(List(), LVM_SETCOLUMNWIDTH, 2, LVSCW_AUTOSIZE_USEHEADER);
-        const int header = Width(2);
-        SetWidth(2, header + 60);
-        DoubleClickDivider(2);
-        EXPECT_EQ(Width(2), header);
-    });
-}
-
 TEST_F(HostView, ControlAndASelectsAllRows) {
     for (int last = 1; last <= 5; ++last) Knows("10.0.0." + std::to_string(last), TrustState::Trusted);
     Knows("10.0.0.9");
@@ -319,101 +233,6 @@ TEST_F(HostView, ItsPlaceIsLeftAloneWhereTheUserDoesNotWantIt) {
     While([&] { SetWindowPos(view.GetHwnd(), nullptr, 30, 40, 700, 300, SWP_NOZORDER); });
     EXPECT_FALSE(IsUsableRectangle(data.settings.SavedViewWindowDimension.Read()));
     EXPECT_TRUE(store.calls.empty());
-}
-
-TEST_F(HostView, WidthsLastAsLongAsTheProgramWhereTheUserWantsIt) {
-    data.settings.SaveColumnWidth = 1;
-    While([&] { SetWidth(4, 333); });
-    While([&] {
-        EXPECT_EQ(Width(4), 333);
-        EXPECT_EQ(Width(1), TcGuiTools::Scaled(100));
-        data.settings.SaveColumnWidth = 0;
-        SetWidth(4, 222);
-    });
-    While([&] { EXPECT_EQ(Width(4), TcGuiTools::Scaled(200)); });
-    data.settings.SaveColumnWidth = 1;
-    While([&] { EXPECT_EQ(Width(4), 333) << "what was kept before"; });
-}
-
-// What the control is made to refuse.
-class Refusal {
-  public:
-    Refusal(HWND control, UINT message, std::function<bool(LPARAM)> refuses)
-        : control_(control), message_(message), refuses_(std::move(refuses)) {
-        SetWindowSubclass(control_, &Refusal::Proc, 1, reinterpret_cast<DWORD_PTR>(this));
-    }
-    ~Refusal() { RemoveWindowSubclass(control_, &Refusal::Proc, 1); }
-    Refusal(const Refusal&) = delete;
-    Refusal& operator=(const Refusal&) = delete;
-
-  private:
-    static LRESULT CALLBACK Proc(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR self) {
-        const auto& refusal = *reinterpret_cast<const Refusal*>(self);
-        if (message == refusal.message_ && refusal.refuses_(lParam)) return -1;
-        return DefSubclassProc(control, message, wParam, lParam);
-    }
-    const HWND control_;
-    const UINT message_;
-    const std::function<bool(LPARAM)> refuses_;
-};
-
-TEST_F(HostView, AHostWhoseRowIsRefusedIsLeftOutAndComesLater) {
-    Knows("10.0.0.1");
-    While([&] {
-        HostRecord& refused = Knows("10.0.0.2");
-        Knows("10.0.0.3", TrustState::Trusted);
-        {
-            const Refusal refusal(List(), LVM_INSERTITEMA, [&](LPARAM item) {
-                return reinterpret_cast<const LVITEMA*>(item)->lParam == reinterpret_cast<LPARAM>(&refused);
-            });
-            Tick();
-            EXPECT_EQ(Lines(), "[Trusted hosts] 10.0.0.3 [Unknown hosts] 10.0.0.1 ");
-        }
-        ClickHeader(1);
-        EXPECT_EQ(Lines(), "[Trusted hosts] 10.0.0.3 [Unknown hosts] 10.0.0.1 ");
-        Tick();
-        EXPECT_EQ(Lines(), "[Trusted hosts] 10.0.0.3 [Unknown hosts] 10.0.0.1 10.0.0.2 ");
-    });
-}
-
-// A list control refuses a column as soon as it is made.
-class ColumnRefusal {
-  public:
-    explicit ColumnRefusal(int column) {
-        column_ = column;
-        hook_ = SetWindowsHookExA(WH_CBT, &ColumnRefusal::OnWindow, nullptr, GetCurrentThreadId());
-    }
-    ~ColumnRefusal() {
-        UnhookWindowsHookEx(hook_);
-        refusal_.reset();
-    }
-    ColumnRefusal(const ColumnRefusal&) = delete;
-    ColumnRefusal& operator=(const ColumnRefusal&) = delete;
-
-  private:
-    static LRESULT CALLBACK OnWindow(int code, WPARAM wParam, LPARAM lParam) {
-        char name[40] = "";
-        const auto window = reinterpret_cast<HWND>(wParam);
-        if (code == HCBT_CREATEWND && GetClassNameA(window, name, sizeof name) && std::string(name) == WC_LISTVIEWA)
-            refusal_ = std::make_unique<Refusal>(window, LVM_INSERTCOLUMNA, [](LPARAM column) {
-                return reinterpret_cast<const LVCOLUMNA*>(column)->iSubItem == column_ && column_-- > 0;
-            });
-        return CallNextHookEx(nullptr, code, wParam, lParam);
-    }
-    static inline int column_ = 0;
-    static inline std::unique_ptr<Refusal> refusal_;
-    HHOOK hook_ = nullptr;
-};
-
-TEST_F(HostView, AFixedColumnThatIsRefusedEndsTheFixedOnes) {
-    HostRecord& host = Knows("10.0.0.1");
-    host.hostName = "not shown";
-    const ColumnRefusal refusal(3);
-    While([&] {
-        EXPECT_EQ(Titles(), (std::vector<std::string>{" ", "IP - Address", "MAC - Address"}));
-        EXPECT_EQ(view.ColumnAt(3), nullptr);
-        EXPECT_EQ(LineOf("10.0.0.1"), 1);
-    });
 }
 
 TEST_F(HostView, EscapeClosesIt) {

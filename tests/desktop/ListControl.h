@@ -1,5 +1,5 @@
-// What a list control shows, asked of the control itself: the texts of its cells and titles, where its lines are, and
-// its picture. For windows of this process.
+// What a list control shows, asked of the control itself: the texts of its cells and titles, where its lines
+// are, and its picture. For windows of this process.
 #pragma once
 
 #include <memory>
@@ -12,9 +12,13 @@
 
 namespace vardel::test {
 
-inline HWND HeaderOf(HWND list) { return reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0)); }
+inline HWND HeaderOf(HWND list) {
+    return reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
+}
 
-inline int LineCountOf(HWND list) { return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0)); }
+inline int LineCountOf(HWND list) {
+    return static_cast<int>(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0));
+}
 
 inline std::string CellText(HWND list, int line, int column) {
     char text[260] = "";

@@ -106,4 +106,28 @@ class ListDialog : public ToldDialog {
     std::function<void()> inInit;
 };
 
+// "rN" and "name N" in the second and third column.
+inline std::vector<ListRecord> Records(int count) {
+    std::vector<ListRecord> records(static_cast<std::size_t>(count));
+    for (int at = 0; at < count; ++at) {
+        records[static_cast<std::size_t>(at)].cells[1] = "r" + std::to_string(at);
+        records[static_cast<std::size_t>(at)].cells[2] = "name " + std::to_string(at);
+    }
+    return records;
+}
+
+inline void AddAll(RecordList& list, std::vector<ListRecord>& records) {
+    std::vector<TcListView::Row> rows;
+    for (ListRecord& record : records) rows.push_back({&record, -1});
+    EXPECT_EQ(list.AddRows(rows), static_cast<int>(records.size()));
+}
+
+// All in the initialisation of a dialog whose list has the records.
+inline void WithAll(ListDialog& dialog, std::vector<ListRecord>& records, const std::function<void()>& test) {
+    dialog.With([&] {
+        AddAll(dialog.list, records);
+        test();
+    });
+}
+
 }  // namespace vardel::test
