@@ -72,6 +72,15 @@ TEST_F(HostTableTest, SortsByTheNumberOfTheAddress) {
     EXPECT_EQ(order, (std::vector<std::string>{"9.255.255.255", "10.0.0.9", "10.0.0.10", "192.168.0.1"}));
 }
 
+TEST_F(HostTableTest, EachOctetCountsForMoreThanAllBehindIt) {
+    const std::vector<std::string> sorted{"10.0.0.255", "10.0.1.0",       "10.0.255.255",
+                                          "10.1.0.0",   "10.255.255.255", "11.0.0.0"};
+    for (const std::string& ip : sorted) Add(ip.c_str());
+    std::vector<std::string> order;
+    for (const HostRow& row : CollectHosts(data)) order.push_back(row.ip);
+    EXPECT_EQ(order, sorted);
+}
+
 TEST_F(HostTableTest, LinesEndWithoutBlanks) {
     Add("10.0.0.5");
     Add("10.0.0.6").lastSeenText = "12:34:56";

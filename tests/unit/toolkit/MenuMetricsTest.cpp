@@ -45,6 +45,30 @@ TEST(MenuMetrics, AnItemHoldsIconLabelAndKeys) {
     EXPECT_EQ(keyed.height, 34);
 }
 
+TEST(MenuMetrics, SizesFollowTheDensity) {
+    for (const int scale : {1, 2}) {
+        const MenuMeasures measures = MenuMeasuresFor(96 * scale);
+        const PixelSize item =
+            MenuItemSize(measures, {.labelWidth = 50 * scale, .keysWidth = 30 * scale, .height = 13 * scale});
+        EXPECT_EQ(item, (PixelSize{156 * scale, 22 * scale}));
+        EXPECT_EQ(MenuSeparatorSize(measures), (PixelSize{52 * scale, 7 * scale}));
+    }
+}
+
+TEST(MenuMetrics, TheNarrowestKeyTextStandsApartFromItsLabelToo) {
+    const MenuMeasures measures = MenuMeasuresFor(96);
+    const PixelSize plain = MenuItemSize(measures, {.labelWidth = 50, .keysWidth = 0, .height = 13});
+    const PixelSize keyed = MenuItemSize(measures, {.labelWidth = 50, .keysWidth = 1, .height = 13});
+    EXPECT_EQ(keyed.width, plain.width + measures.keyGap + 1);
+}
+
+TEST(MenuMetrics, AnItemsPartsStandSideBySide) {
+    const MenuItemParts parts = LayOutMenuItem(MenuMeasuresFor(96), {5, 50, 161, 72});
+    EXPECT_EQ(parts.iconColumn, (PixelRect{5, 50, 29, 72}));
+    EXPECT_EQ(parts.icon, (PixelRect{9, 53, 25, 69})) << "in the middle of its column";
+    EXPECT_EQ(parts.text, (PixelRect{37, 50, 141, 72}));
+}
+
 TEST(MenuMetrics, ThePartsOfAnItemDoNotOverlap) {
     for (const int dpi : {96, 120, 144, 192}) {
         const MenuMeasures measures = MenuMeasuresFor(dpi);

@@ -172,7 +172,8 @@ TEST_F(HostCells, TheLastGroupCannotBeSwitchedOff) {
 TEST_F(HostCells, AHostIsStalePastItsMinutes) {
     EXPECT_FALSE(IsHostStale(1000, 1000 + 60, 1));
     EXPECT_TRUE(IsHostStale(1000, 1000 + 61, 1));
-    EXPECT_FALSE(IsHostStale(0, 1'000'000, 1));
+    EXPECT_FALSE(IsHostStale(0, 1'000'000, 1)) << "one that was never seen";
+    EXPECT_TRUE(IsHostStale(1, 1'000'000, 1)) << "the first second counts";
     EXPECT_FALSE(IsHostStale(1000, 2000, 0xffffffffu));
 }
 
