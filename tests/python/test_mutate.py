@@ -1,5 +1,6 @@
 """tools/mutate: what it changes, what it leaves alone, and how it judges."""
 
+import contextlib
 import os
 import subprocess
 import sys
@@ -237,6 +238,12 @@ class WorkshopTest(unittest.TestCase):
         self.write(workshop.source, {"foundation/engine.cpp": text.replace("kHalf = 2", "kHalf = 3")})
         self.assertTrue(workshop._builds("unit_tests_foundation"))
         self.open(PROJECT).prepare()  # its tests pass
+
+    def test_its_folder_may_be_named_from_where_the_run_was_started(self):
+        self.make(PROJECT)
+        root = os.path.join(self.folder, "root")
+        self.enterContext(contextlib.chdir(self.folder))
+        Workshop(root, list(PROJECT), "scratch").prepare()
 
     def test_a_kept_folder_takes_up_what_the_project_says_now(self):
         self.make(PROJECT).prepare()

@@ -80,6 +80,7 @@ class Workshop:
     """Works in `folder`, which may have been a workshop's before; `files` are copied from `root`."""
 
     def __init__(self, root, files, folder, has_sanitizers=False):
+        folder = os.path.abspath(folder)  # what is run here works in a folder of its own
         self.source = os.path.join(folder, "source")
         self.build_folder = os.path.join(folder, "build")
         self.temporary = os.path.join(folder, "tmp")
