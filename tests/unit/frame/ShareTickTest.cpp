@@ -8,8 +8,8 @@ namespace vardel {
 namespace {
 
 using test::Calls;
+using test::kWarningColors;
 
-constexpr char kWarningColors[] = "host colors (255,0,0) (180,0,0) (255,255,255) (100,0,0)";
 constexpr char kShareColors[] = "host colors (255,255,255) (255,255,255) (0,0,0) (22,122,233)";
 
 class ShareTickTest : public test::TickFixture {

@@ -14,13 +14,7 @@ using Clock = std::chrono::steady_clock;
 
 class TickLoadTest : public test::TickFixture {
   protected:
-    TickLoadTest() {
-        data.settings.UseToolTips = 1;
-        data.settings.Visualization = 0;
-        data.settings.NotifyTrusted = 0;
-        data.settings.MACSpoofingVisualization = 1;
-        data.settings.MACSpoofingVisualizationStyle = 0;
-    }
+    TickLoadTest() { TellHostsInPopups(); }
     static std::string AddressOf(u32 host) {
         return "10." + std::to_string(host >> 16) + "." + std::to_string(host >> 8 & 255) + "." +
                std::to_string(host & 255);

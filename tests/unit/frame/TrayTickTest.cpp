@@ -8,19 +8,13 @@ namespace vardel {
 namespace {
 
 using test::Calls;
+using test::kWarningColors;
 
 constexpr char kNewHostColors[] = "host colors (180,196,228) (180,196,228) (0,0,0) (51,153,255)";
-constexpr char kWarningColors[] = "host colors (255,0,0) (180,0,0) (255,255,255) (100,0,0)";
 
 class TrayTickTest : public test::TickFixture {
   protected:
-    TrayTickTest() {
-        data.settings.UseToolTips = 1;
-        data.settings.Visualization = 0;
-        data.settings.NotifyTrusted = 0;
-        data.settings.MACSpoofingVisualization = 1;
-        data.settings.MACSpoofingVisualizationStyle = 0;
-    }
+    TrayTickTest() { TellHostsInPopups(); }
     Calls AfterTick() {
         Tick(kTrayTimer);
         return TakeAlerts();

@@ -38,6 +38,9 @@ class CountingEvents : public ForwardingEvents {
     u32 lastTimeoutMs = 0;
 };
 
+// What a popup that warns is given before it is shown.
+inline constexpr char kWarningColors[] = "host colors (255,0,0) (180,0,0) (255,255,255) (100,0,0)";
+
 inline const std::map<u32, std::string>& TickTexts() {
     static const std::map<u32, std::string> texts = {
         {IDS_TRAY_TOOLTIP, "%s - %d host(s) found"},
@@ -73,6 +76,14 @@ class TickFixture : public testing::Test {
         for (ListedHostTable* table : {&data.settings.trustedHosts, &data.settings.distrustedHosts}) table->Clear();
     }
 
+    // New hosts, whatever their trust, and MAC spoofing are told, each in a popup.
+    void TellHostsInPopups() {
+        data.settings.UseToolTips = 1;
+        data.settings.Visualization = 0;
+        data.settings.NotifyTrusted = 0;
+        data.settings.MACSpoofingVisualization = 1;
+        data.settings.MACSpoofingVisualizationStyle = 0;
+    }
     HostRecord& Knows(const std::string& ip, const std::string& name = "host") {
         HostRecord* host = data.Adopt(std::make_unique<HostRecord>());
         host->ip = ip.c_str();
