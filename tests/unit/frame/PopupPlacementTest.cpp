@@ -53,5 +53,12 @@ TEST(PopupExtent, LeavesMarginsAroundTheText) {
     EXPECT_EQ(ExtentForText(0, 0), (PopupExtent{30, 28, {15, 19, 15, 19}}));
 }
 
+TEST(PopupExtent, BeforeATextIsThereItTakesNoRoom) {
+    const PopupExtent none;
+    EXPECT_EQ(none.width, 0);
+    EXPECT_EQ(none.height, 0);
+    EXPECT_EQ(none.text, (PixelRect{0, 0, 0, 0}));
+}
+
 }  // namespace
 }  // namespace vardel

@@ -21,6 +21,16 @@ TEST(ColorSteps, AGradientRunsFromItsStartToItsEnd) {
     EXPECT_EQ(GradientColor(start, end, 51, 256), MakeColor(51, 90, 204));
 }
 
+TEST(ColorSteps, AGradientOfTwoStepsIsItsEnds) {
+    EXPECT_EQ(GradientColor(0, 0xffffff, 0, 2), 0u);
+    EXPECT_EQ(GradientColor(0, 0xffffff, 1, 2), 0xffffffu);
+}
+
+TEST(ColorSteps, HalvesOfAGradientAreRoundedAwayFromItsStart) {
+    EXPECT_EQ(GradientColor(MakeColor(10, 0, 5), MakeColor(0, 10, 5), 1, 5), MakeColor(7, 3, 5));
+    EXPECT_EQ(GradientColor(MakeColor(10, 0, 5), MakeColor(0, 10, 5), 3, 5), MakeColor(2, 8, 5));
+}
+
 TEST(ColorSteps, AGradientNeverTurnsBack) {
     const u32 start = MakeColor(10, 200, 30), end = MakeColor(250, 20, 30);
     u32 before = start;
@@ -47,6 +57,19 @@ TEST(ColorSteps, TextIsLegibleOnItsBackground) {
     EXPECT_EQ(TextColorOn(0), 0xffffffu);
     EXPECT_EQ(TextColorOn(kDarkBlue), 0xffffffu);
     EXPECT_EQ(TextColorOn(MakeColor(0x33, 0x99, 0xff)), 0xffffffu) << "the usual colour of lit menu items";
+}
+
+TEST(ColorSteps, TextTurnsBlackAtABrightnessOf140) {
+    const u32 below = MakeColor(139, 139, 139), at = MakeColor(140, 140, 140);
+    ASSERT_EQ(Brightness(below), 139u);
+    ASSERT_EQ(Brightness(at), 140u);
+    EXPECT_EQ(TextColorOn(below), 0xffffffu);
+    EXPECT_EQ(TextColorOn(at), 0u);
+}
+
+TEST(ColorSteps, ABrightnessIsRounded) {
+    EXPECT_EQ(Brightness(MakeColor(0, 0, 250)), 29u) << "28.5";
+    EXPECT_EQ(Brightness(MakeColor(0, 0, 249)), 28u) << "28.4";
 }
 
 TEST(ColorSteps, AGreyPixelKeepsBrightnessAndOpacity) {

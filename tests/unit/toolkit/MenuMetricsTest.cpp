@@ -62,6 +62,10 @@ TEST(MenuMetrics, TheNarrowestKeyTextStandsApartFromItsLabelToo) {
     EXPECT_EQ(keyed.width, plain.width + measures.keyGap + 1);
 }
 
+TEST(MenuMetrics, AnItemWithoutTextIsItsIconAndMargins) {
+    EXPECT_EQ(MenuItemSize(MenuMeasuresFor(96), {}), (PixelSize{52, 22}));
+}
+
 TEST(MenuMetrics, AnItemsPartsStandSideBySide) {
     const MenuItemParts parts = LayOutMenuItem(MenuMeasuresFor(96), {5, 50, 161, 72});
     EXPECT_EQ(parts.iconColumn, (PixelRect{5, 50, 29, 72}));
