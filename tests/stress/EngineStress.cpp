@@ -5,6 +5,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <filesystem>
 #include <fstream>
@@ -15,7 +16,7 @@
 #include <vector>
 
 #include "capture/EventMap.h"
-#include "capture/FrameDispatch.h"
+#include "capture/FrameLookAhead.h"
 #include "capture/Vardel.h"
 #include "tests/unit/support/Frames.h"
 #include "tests/unit/support/TestServices.h"
@@ -24,12 +25,13 @@ namespace vardel::test {
 namespace {
 
 constexpr int kFrames = 1'000'000;
+constexpr int kRun = 32;  // of frames
 constexpr int kSaves = 1'000;
 constexpr int kDeletes = 1'000;
 constexpr int kReloads = 100;
 constexpr int kDrains = 10'000;
 constexpr int kPosts = 20'000;
-constexpr int kAddresses = 2'000;
+constexpr int kAddresses = 3'000;  // more than a look-ahead leaves alone
 
 class SilentFrame : public VardelFrame {
   public:
@@ -88,7 +90,8 @@ class EngineStress : public ::testing::Test {
         ASSERT_TRUE(app.StartEventLogWrite());
     }
 
-    // Hosts by ARP from changing cards, browse announcements and syslog of the same addresses.
+    // One run of frames comes one by one, as a capture gives them, the next one together, as a savefile's do. Hosts by
+    // ARP from changing cards, browse announcements and syslog of the same addresses.
     void FeedFrames() {
         std::mt19937 random(1);
         std::vector<Frame> pool;
@@ -101,11 +104,20 @@ class EngineStress : public ::testing::Test {
                 pool.push_back(UdpFrame{.sourceIp = Address(n), .destinationPort = 514, .payload = "<9>door opened"});
             if (n % 50 == 0) pool.push_back(TcpFrame{.sourceIp = Address(n)});
         }
-        for (; frames < kFrames; ++frames) {
-            const Frame& bytes = pool[random() % pool.size()];
-            pcap_pkthdr header{{1'700'000'000 + frames / 1000, 0}, static_cast<u32>(bytes.size()),
-                               static_cast<u32>(bytes.size())};
-            DispatchFrame(&header, bytes.data(), app.arpImpl, app.ipImpl, &data);
+        FrameLookAhead lookAhead(app.arpImpl, app.ipImpl, data);
+        std::array<pcap_pkthdr, kRun> headers;
+        std::array<HeldFrame, kRun> run;
+        for (bool looksAhead = false; frames < kFrames; frames += kRun, looksAhead = !looksAhead) {
+            for (std::size_t at = 0; at < kRun; ++at) {
+                const Frame& bytes = pool[random() % pool.size()];
+                const auto size = static_cast<u32>(bytes.size());
+                headers[at] = {{1'700'000'000 + frames / 1000, 0}, size, size};
+                run[at] = {&headers[at], bytes.data()};
+            }
+            if (looksAhead)
+                lookAhead.Dispatch(kRun, [&run](std::size_t at) { return run[at]; });
+            else
+                for (const HeldFrame& one : run) DispatchFrame(one.header, one.bytes, app.arpImpl, app.ipImpl, &data);
         }
     }
 
