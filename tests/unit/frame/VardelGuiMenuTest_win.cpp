@@ -138,6 +138,22 @@ TEST_F(GuiMenu, AChosenItemIsCarriedOutAndTheMarkFollows) {
     });
 }
 
+// Some systems find the key of an item that its program draws by themselves, the others ask.
+TEST_F(GuiMenu, TheKeysOfItsItemsAreToldToASystemThatAsks) {
+    While([&](HWND window) {
+        const auto answer = [&](char key) {
+            return SendMessageA(window, WM_MENUCHAR, MAKEWPARAM(key, MF_POPUP),
+                                reinterpret_cast<LPARAM>(gui.Menus().Popup()));
+        };
+        LookAtMenu(window, [&] {
+            const LRESULT silent = answer('m');
+            EXPECT_EQ(HIWORD(silent), MNC_EXECUTE);
+            EXPECT_EQ(GetMenuItemID(gui.Menus().Popup(), LOWORD(silent)), kSilentCommand);
+            EXPECT_EQ(HIWORD(answer('x')), MNC_IGNORE) << "no item has this key";
+        });
+    });
+}
+
 TEST_F(GuiMenu, WhatHasNothingToShowIsGrey) {
     app.data.interfaceName = "eth0";
     app.data.settings.ShareSearch = app.data.settings.UsingEventLog = app.data.settings.Syslog = 0;
