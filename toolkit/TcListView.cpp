@@ -55,8 +55,10 @@ bool TcListView::SetHwnd(HWND control) {
     Forget();
     if (!control || !IsWindow(control) || !BindReceiver(control, &link_)) return false;
     control_ = control;
+    // What has the rows painted leaves the header alone, which would take as long as they do.
+    constexpr LONG_PTR kStyles = LVS_OWNERDRAWFIXED | WS_CLIPCHILDREN;
     const LONG_PTR style = GetWindowLongPtrA(control, GWL_STYLE);
-    if (!(style & LVS_OWNERDRAWFIXED)) SetWindowLongPtrA(control, GWL_STYLE, style | LVS_OWNERDRAWFIXED);
+    if ((style & kStyles) != kStyles) SetWindowLongPtrA(control, GWL_STYLE, style | kStyles);
     return true;
 }
 
@@ -306,8 +308,9 @@ void TcListView::SelectAll() {
 
 void TcListView::RedrawRows() {
     if (!control_) return;
-    // What can be seen of them: naming all rows to the control costs time with each. The header stays as it is.
-    RedrawWindow(control_, nullptr, nullptr, RDW_INVALIDATE | RDW_NOCHILDREN | RDW_UPDATENOW);
+    // What can be seen of them: naming all rows to the control costs time with each.
+    InvalidateRect(control_, nullptr, FALSE);
+    UpdateWindow(control_);
     SetFocus(control_);
 }
 

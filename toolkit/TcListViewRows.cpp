@@ -21,30 +21,18 @@ class TcListView::Change {
     explicit Change(TcListView& list) : list_(list) {
         list_.changing_ = true;
         list_.Send(WM_SETREDRAW, FALSE);
-        wasClean_ = header_ && !GetUpdateRect(header_, nullptr, FALSE) && GetWindowRect(header_, &place_);
         list_.sendsDirectly_ = IsReceiverFirst(list_.control_);
     }
     ~Change() {
         list_.sendsDirectly_ = false;
         list_.Send(WM_SETREDRAW, TRUE);
         list_.changing_ = false;
-        KeepHeader();
     }
     Change(const Change&) = delete;
     Change& operator=(const Change&) = delete;
 
   private:
-    // Some systems paint the header anew with the rows, which takes them as long. One that stands where it stood shows
-    // what it has to.
-    void KeepHeader() const {
-        RECT place{};
-        if (wasClean_ && GetWindowRect(header_, &place) && EqualRect(&place, &place_)) ValidateRect(header_, nullptr);
-    }
-
     TcListView& list_;
-    const HWND header_ = reinterpret_cast<HWND>(list_.Send(LVM_GETHEADER));
-    RECT place_{};
-    bool wasClean_ = false;
 };
 
 // Groups
