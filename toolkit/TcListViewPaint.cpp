@@ -42,7 +42,7 @@ UINT AlignmentOf(int format) {
 }  // namespace
 
 struct TcListView::Cell {
-    int column;
+    int column, format;
     void* item;
     RECT place;
     RowColors colors;
@@ -105,8 +105,11 @@ void TcListView::DrawCells(const DRAWITEMSTRUCT& place) {
 
     FillCell(place.hDC, place.rcItem, colors.background);
     const auto images = reinterpret_cast<HIMAGELIST>(Send(LVM_GETIMAGELIST, LVSIL_SMALL));
-    for (int column = 0; column < static_cast<int>(columns_.size()); ++column)
-        DrawCell(place, {column, item, CellPlace(place, column), column == 0 ? first : colors, images});
+    // Whoever gives a cell's content may have messages handled, and the list lets its columns go.
+    for (int column = 0; column < static_cast<int>(columns_.size()); ++column) {
+        const int format = columns_[static_cast<std::size_t>(column)].format;
+        DrawCell(place, {column, format, item, CellPlace(place, column), column == 0 ? first : colors, images});
+    }
     const bool showsFocus = (place.itemState & ODS_FOCUS) != 0 && (place.itemState & ODS_NOFOCUSRECT) == 0;
     if (showsFocus && state.hasFocus) {
         SetTextColor(place.hDC, palette.plain.text);
@@ -138,7 +141,7 @@ void TcListView::DrawCell(const DRAWITEMSTRUCT& place, const Cell& cell) {
     SetBkMode(place.hDC, TRANSPARENT);
     const int length = OneLine(content);
     DrawTextA(place.hDC, content, length, &text,
-              DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX | AlignmentOf(columns_[static_cast<std::size_t>(cell.column)].format));
+              DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX | AlignmentOf(cell.format));
 }
 
 void TcListView::DrawHeading(const DRAWITEMSTRUCT& place, const std::string& title) {

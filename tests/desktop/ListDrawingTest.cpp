@@ -6,6 +6,21 @@
 namespace vardel::test {
 namespace {
 
+// Whoever is asked for a text may have messages handled, one of which closes the window.
+TEST(ListView, AListThatLetsItsControlGoWhileItDrawsDrawsNoFurtherCell) {
+    ListDialog dialog;
+    auto records = Records(1);
+    dialog.inInit = [&] { AddAll(dialog.list, records); };
+    dialog.ShowFor({[&] {
+        UpdateWindow(dialog.Control());
+        dialog.list.asked = 0;
+        dialog.list.onText = [&] { dialog.list.SetHwnd(nullptr); };
+        dialog.list.RedrawRows();
+        EXPECT_EQ(dialog.list.asked, 1);
+        EXPECT_EQ(dialog.list.GetHwnd(), nullptr);
+    }});
+}
+
 TEST(ListView, ARepaintOfTheRowsLeavesTheHeaderAlone) {
     ListDialog dialog;
     auto records = Records(3);

@@ -17,6 +17,7 @@ class RecordList : public TcListView {
   public:
     bool GetItemText(int column, void* item, TcString& text) override {
         ++asked;
+        if (onText) onText();
         text = static_cast<ListRecord*>(item)->cells[column].c_str();
         return true;
     }
@@ -26,6 +27,7 @@ class RecordList : public TcListView {
     int GetItemTextColor(void* item) override { return static_cast<ListRecord*>(item)->color; }
 
     int asked = 0;
+    std::function<void()> onText;
 };
 
 // Runs a dialog with the list; `inInit` once the list has its three columns.
